@@ -1,0 +1,27 @@
+/*
+ * The platform seams on the device: the real shell, paths and ioctls.
+ */
+#include "VeskPlatform.h"
+
+#include <stdlib.h>
+#include <sys/ioctl.h>
+
+namespace vesk::platform {
+
+int runCommand(const char* commandLine) {
+    return system(commandLine);
+}
+
+std::string devicePath(const char* path) {
+    return path;
+}
+
+int mtdGetInfo(int fd, mtd_info_user* info) {
+    return ioctl(fd, MEMGETINFO, info);
+}
+
+int mtdErase(int fd, const erase_info_user* erase) {
+    return ioctl(fd, MEMERASE, erase);
+}
+
+}  // namespace vesk::platform

@@ -1,0 +1,30 @@
+/*
+ * The host's device root: one directory below which every device path, tool stand-in,
+ * the property store and the simulated board's state live.
+ */
+#pragma once
+
+#include <string>
+
+namespace vesk::host {
+
+// The root chosen by setDeviceRoot(), else $VESK_ROOT, else $XDG_STATE_HOME/veskdm/root,
+// else ~/.local/state/veskdm/root. Created with its factory layout on first use.
+std::string deviceRoot();
+
+// Makes `root` the device root of this process and of the processes it starts
+// (it is exported as $VESK_ROOT). Creates its layout if it is missing.
+void setDeviceRoot(const std::string& root);
+
+// Maps an absolute device path below the root. Relative paths and ".." components never
+// leave the root: they are resolved lexically first.
+std::string pathBelowRoot(const std::string& root, const std::string& devicePath);
+
+// Relative locations inside the root.
+inline constexpr char kEnvPartition[] = "/dev/block/env";
+inline constexpr char kPropertyStore[] = "/data/property/store";
+inline constexpr char kBoardStateDir[] = "/data/vesksdk";
+inline constexpr char kShellLog[] = "/data/shell/invocations.log";
+inline constexpr char kDisplayMode[] = "/sys/class/display/mode";
+
+}  // namespace vesk::host

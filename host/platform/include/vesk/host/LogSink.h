@@ -1,0 +1,28 @@
+/*
+ * Where the host's Android log lines go. The library installs the logcat-style stderr sink
+ * with every priority enabled when it is loaded.
+ */
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace vesk::host {
+
+struct LogLine {
+    int priority;
+    std::string tag;
+    std::string message;  // exactly as formatted, line end included
+};
+
+// logcat-style lines on stderr (the default).
+void logToStderr();
+// One JSON object per line, {"priority":3,"tag":"...","message":"..."}; false if the file
+// cannot be opened for appending.
+bool logToJsonFile(const std::string& path);
+// Keeps every line in memory (tests); replaces the other sinks until logToStderr().
+void startLogCapture();
+std::vector<LogLine> capturedLog();
+void clearCapturedLog();
+
+}  // namespace vesk::host

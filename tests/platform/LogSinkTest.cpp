@@ -1,0 +1,43 @@
+// The host log sink: capture, JSON lines and every priority enabled.
+#include <android/log.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "TestRoot.h"
+#include "vesk/host/LogSink.h"
+
+namespace vesk::test {
+namespace {
+
+using LogSinkTest = RootTest;
+
+TEST_F(LogSinkTest, CaptureKeepsPriorityTagAndExactText) {
+    __android_log_print(ANDROID_LOG_DEBUG, "vesk_test", "%s %d\n", "setSysLedState", 48);
+    __android_log_print(ANDROID_LOG_VERBOSE, "vesk_test", "no newline");
+    LogLines expected = {{ANDROID_LOG_DEBUG, "vesk_test", "setSysLedState 48\n"},
+                         {ANDROID_LOG_VERBOSE, "vesk_test", "no newline"}};
+    EXPECT_EQ(expected, capturedLog());
+}
+
+TEST_F(LogSinkTest, JsonFileHoldsOneObjectPerLine) {
+    std::string path = root.path() + "/log.json";
+    ASSERT_TRUE(vesk::host::logToJsonFile(path));
+    __android_log_print(ANDROID_LOG_ERROR, "tag1", "a \"quoted\" line\n");
+    __android_log_print(ANDROID_LOG_INFO, "tag2", "second");
+    std::string content = readFile(path);
+    auto newline = content.find('\n');
+    ASSERT_NE(std::string::npos, newline);
+    auto first = nlohmann::json::parse(content.substr(0, newline));
+    EXPECT_EQ(nlohmann::json({{"priority", 6}, {"tag", "tag1"}, {"message", "a \"quoted\" line\n"}}),
+              first);
+    auto second = nlohmann::json::parse(content.substr(newline + 1));
+    EXPECT_EQ(nlohmann::json({{"priority", 4}, {"tag", "tag2"}, {"message", "second"}}), second);
+}
+
+TEST_F(LogSinkTest, JsonFileThatCannotBeOpenedIsRefused) {
+    EXPECT_FALSE(vesk::host::logToJsonFile(root.path() + "/no/such/dir/log.json"));
+}
+
+}  // namespace
+}  // namespace vesk::test
