@@ -20,6 +20,23 @@ using ::android::hardware::hidl_vec;
 using ::vesk::hardware::veskdevicemanager::V1_0::IVeskDeviceManager;
 using json = nlohmann::json;
 
+// Bytes as the script's "out" hex text.
+inline std::string hexOf(const std::string& bytes) {
+    static constexpr char kDigits[] = "0123456789abcdef";
+    std::string hex;
+    for (unsigned char c : bytes) {
+        hex += kDigits[c >> 4];
+        hex += kDigits[c & 15];
+    }
+    return hex;
+}
+
+// Places `text` at `offset` of a record of `size` zero bytes (grown as needed).
+inline void putText(std::string& record, size_t offset, const std::string& text) {
+    if (record.size() < offset + text.size()) record.resize(offset + text.size());
+    record.replace(offset, text.size(), text);
+}
+
 inline constexpr char kServiceTag[] = "vesk_system_hidl_device";
 inline constexpr char kLevel[] = "persist.vesk.device.log.level";
 
