@@ -1,4 +1,6 @@
 // Power-off, picture quality and HDR switching through the platform's shell.
+#include <unistd.h>
+
 #include "ServiceTest.h"
 #include "vesk/host/Seams.h"
 
