@@ -239,8 +239,9 @@ INSTANTIATE_TEST_SUITE_P(
                       "timing ''  1080", "timing 1920", "timing 1920 1080 60 70",
                       "timing 1920 1080 --format xml", "timing 1920 1080 --format",
                       "timing 1920 1080 --bits abc", "timing 1920 1080 --bits 0",
-                      "timing 1920 1080 --components -1", "timing 1920 1080 --components x",
-                      "timing 1920 1080 --max-refresh abc",
+                      "timing 1920 1080 --bits -8", "timing 1920 1080 --components 0",
+                      "timing 1920 1080 --components inf", "timing 1920 1080 --components -1",
+                      "timing 1920 1080 --components x", "timing 1920 1080 --max-refresh abc",
                       "timing 1920 1080 --max-refresh 100 --max-width 100",
                       "timing 1920 1080 --no-such-option"),
     [](const auto& info) { return "case" + std::to_string(info.index); });

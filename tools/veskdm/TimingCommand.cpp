@@ -6,6 +6,7 @@
 #include <stdio.h>
 #include <stdlib.h>
 
+#include <cmath>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -115,6 +116,10 @@ void run(const TimingOptions& options, const CLI::Option* maxRefresh, const CLI:
     uint32_t width = parsePositive(options.width, "width");
     uint32_t height = parsePositive(options.height, "height");
     uint32_t rate = parsePositive(options.rate, "rate");
+    if (options.bits == 0) throw UsageError("timing: --bits must be at least 1");
+    if (!(options.components > 0 && std::isfinite(options.components))) {
+        throw UsageError("timing: --components must be a positive number");
+    }
 
     VideoTimingCaculator calculator;
     if (maxRefresh->count() > 0) {
@@ -157,13 +162,12 @@ void addTimingCommand(CLI::App& app) {
     timing->add_option("H", options.height, "active height, lines")->required();
     timing->add_option("RATE", options.rate, "refresh rate, Hz");
     timing->add_option("--mode", options.mode, "cvt, cvt_rb (default) or cvt_rb2");
-    timing->add_flag("--interlaced", options.interlaced, "interlaced: RATE fields of H/2 lines");
+    timing->add_flag("--interlaced", options.interlaced, "interlaced: 2 x RATE fields of H/2 lines");
     timing->add_flag("--margins", options.margins, "1.8 % margins on every side");
     timing->add_flag("--video-optimized", options.videoOptimized,
                      "video-optimised cvt_rb2 (no clock)");
-    timing->add_option("--bits", options.bits, "bits per component (8)")->check(CLI::PositiveNumber);
-    timing->add_option("--components", options.components, "components per pixel (3.0)")
-        ->check(CLI::PositiveNumber);
+    timing->add_option("--bits", options.bits, "bits per component (8)");
+    timing->add_option("--components", options.components, "components per pixel (3.0)");
     timing->add_option("--format", options.format, "text (default), json or modeline")
         ->check(CLI::IsMember({"text", "json", "modeline"}));
     auto* maxRefresh = timing->add_option("--max-refresh", options.maxRefreshClock,
