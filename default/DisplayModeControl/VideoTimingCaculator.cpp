@@ -131,16 +131,14 @@ void VideoTimingCaculator::calculateCvt(uint32_t hPixels, uint32_t vLines, uint3
     setUpMode(blanking, videoOptimized);
 
     // Character cell: 8 pixels, or 2 when the width is not a whole number of cells.
-    if (hPixels % 8 == 0) {
-        cellGranularity = 8.0;
-    } else {
-        cellGranularity = 2.0;
+    const uint32_t cell = hPixels % 8 == 0 ? 8 : 2;
+    if (cell != 8) {
         vesk::log::warn(kTag,
                         "WARNING! Aspect Ratio Not CVT Standar!Horizontal Pixel Not Divisible by "
                         "8, Count Rounded to Nearest Character Cell\n");
     }
-    cellGranularityRnd = toField(floorExact(cellGranularity));
-    const uint32_t cell = cellGranularityRnd;
+    cellGranularity = cell;
+    cellGranularityRnd = toField(floorExact(cellGranularity));  // the same whole number
 
     refreshRateRqd = refreshRate;
     marginsRqd = margins;

@@ -90,23 +90,22 @@ void printJson(const timing_t& t) {
 // outside v_active; a modeline counts the addressable lines including margins and, when
 // interlaced, the lines of a frame: twice a field's, plus the half line each field carries.
 void printModeline(const timing_t& t, const TimingOptions& options) {
-    uint64_t vDisplay = t.v_total - t.v_blank;
-    uint64_t vSyncStart = vDisplay + t.v_front_porch;
-    uint64_t vSyncEnd = vSyncStart + t.v_sync;
-    uint64_t vTotal = t.v_total;
+    using Count = unsigned long long;
+    Count vDisplay = Count{t.v_total} - t.v_blank;
+    Count vSyncStart = vDisplay + t.v_front_porch;
+    Count vSyncEnd = vSyncStart + t.v_sync;
+    Count vTotal = t.v_total;
     if (options.interlaced) {
         vDisplay *= 2;
         vSyncStart *= 2;
         vSyncEnd *= 2;
         vTotal = vTotal * 2 + 1;
     }
-    uint64_t hSyncStart = uint64_t{t.h_active} + t.h_front_porch;
+    const Count hSyncStart = Count{t.h_active} + t.h_front_porch;
+    const Count hSyncEnd = hSyncStart + t.h_sync;
     printf("Modeline \"%sx%s_%s\" %.3f %u %llu %llu %u %llu %llu %llu %llu %s %s%s\n",
            options.width.c_str(), options.height.c_str(), options.rate.c_str(), t.pix_clock,
-           t.h_active, static_cast<unsigned long long>(hSyncStart),
-           static_cast<unsigned long long>(hSyncStart + t.h_sync), t.h_total,
-           static_cast<unsigned long long>(vDisplay), static_cast<unsigned long long>(vSyncStart),
-           static_cast<unsigned long long>(vSyncEnd), static_cast<unsigned long long>(vTotal),
+           t.h_active, hSyncStart, hSyncEnd, t.h_total, vDisplay, vSyncStart, vSyncEnd, vTotal,
            t.h_sync_polarity == 1 ? "+hsync" : "-hsync",
            t.v_sync_polarity == 1 ? "+vsync" : "-vsync", options.interlaced ? " Interlace" : "");
 }
