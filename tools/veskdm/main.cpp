@@ -41,6 +41,7 @@ int main(int argc, char** argv) {
     app.parse_complete_callback([&] { applyGlobalOptions(options); });
 
     veskdm::addPropCommand(app);
+    veskdm::addEnvCommand(app);
 
     try {
         app.parse(argc, argv);
