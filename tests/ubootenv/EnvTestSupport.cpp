@@ -162,6 +162,11 @@ EnvLogs takeEnvLog() {
     return lines;
 }
 
+std::string clipped(const std::string& function, int line, const std::string& text) {
+    std::string prefix = "[/Ubootenv.cpp, " + function + ", " + std::to_string(line) + "] ";
+    return text.substr(0, 1023 - prefix.size());
+}
+
 EnvLogs repeated(const EnvLogs& lines, int count) {
     EnvLogs all;
     for (int i = 0; i < count; ++i) all.insert(all.end(), lines.begin(), lines.end());

@@ -65,6 +65,10 @@ EnvLogs takeEnvLog();
 // The same for lines logged elsewhere (by a child process).
 EnvLogs parseEnvLog(const std::vector<vesk::host::LogLine>& captured);
 
+// `text` as the log keeps it behind the prefix of `function` at `line`: liblog formats a
+// message into 1024 bytes, terminator included.
+std::string clipped(const std::string& function, int line, const std::string& text);
+
 // Repeats `lines` `count` times.
 EnvLogs repeated(const EnvLogs& lines, int count);
 EnvLogs operator+(EnvLogs a, const EnvLogs& b);
