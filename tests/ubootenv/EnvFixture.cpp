@@ -19,7 +19,7 @@ void EnvTest::removeDevice(const std::string& device) {
     ASSERT_EQ(0, unlink((root / device).c_str())) << device;
 }
 
-EnvLogs EnvTest::loadedLog(const std::string& device) {
+EnvLogs loadedLog(const std::string& device) {
     return {{kInfo, "init", "[ubootenv] using " + device + " with size(65536) (65532)"},
             {kInfo, "propertyLoad", "[ubootenv] set property count: 0\n"}};
 }

@@ -23,10 +23,10 @@ class EnvTest : public RootTest {
     void writeDevice(const std::string& device, const std::string& content);
     std::string readDevice(const std::string& device) const { return readFile(root / device); }
     void removeDevice(const std::string& device);
-
-    // The two lines of a load that succeeded on `device` with the default sizes.
-    static EnvLogs loadedLog(const std::string& device = kEnvDevice);
 };
+
+// The two lines of a load that succeeded on `device` with the default sizes.
+EnvLogs loadedLog(const std::string& device = kEnvDevice);
 
 // A FIFO standing in for a device that cannot seek; the test holds it open for reading and
 // writing (without waiting), so that the object's opens never block, with room for 1 MiB.
