@@ -438,7 +438,10 @@ int Ubootenv::updateValue(const char* name, const char* value) {
                  needed, dataSize);
         return -8;
     }
-    set(key, value, true);
+    if (set(key, value, true) < 0) {
+        ENV_LOGE("[ubootenv] Out of memory!!!\n");
+        return -5;
+    }
     int result = 0;
     int attempt = 0;
     for (; attempt < kSaveTries; ++attempt) {

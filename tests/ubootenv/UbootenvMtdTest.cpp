@@ -10,7 +10,6 @@
 namespace vesk::test {
 namespace {
 
-constexpr size_t kFlashSize = 262144;
 const std::string kOtherData(131072, '\xa5');  // what else the flash holds after both copies
 
 EnvLog updateLine(const std::string& name, const std::string& value) {
