@@ -167,13 +167,15 @@ void Ubootenv::freeImage() {
     data = nullptr;
 }
 
+size_t Ubootenv::imageCapacity() const {
+    // Room for one copy, and for the fixed-size read of copy B when a copy is smaller.
+    return std::max(partitionSize, kCopyBOffset);
+}
+
 bool Ubootenv::allocateImage() {
     freeImage();
-    // Room for one copy, and for the fixed-size read of copy B when a copy is smaller.
-    size_t capacity = std::max(partitionSize, kCopyBOffset);
-    auto* buffer = static_cast<uint8_t*>(malloc(capacity));
+    auto* buffer = static_cast<uint8_t*>(malloc(imageCapacity()));
     if (buffer == nullptr) return false;
-    memset(buffer, 0, capacity);
     image = buffer;
     crcWord = reinterpret_cast<uint32_t*>(buffer);
     data = buffer + kCrcSize;
@@ -265,6 +267,9 @@ int Ubootenv::readPartitionData() {
     lockDevice(fd, LOCK_SH);
 
     ssize_t count = readFully(fd, image, partitionSize);
+    // The buffer is zero beyond what was read.
+    size_t filled = count > 0 ? static_cast<size_t>(count) : 0;
+    memset(image + filled, 0, imageCapacity() - filled);
     if (count == static_cast<ssize_t>(partitionSize)) {
         uint32_t crc = dataCrc(data, dataSize);
         if (crc == *crcWord) {
@@ -533,9 +538,12 @@ int Ubootenv::formatAttribute() {
 }
 
 int Ubootenv::save() {
-    if (image == nullptr && !allocateImage()) {
-        ENV_LOGE("[ubootenv] Out of memory!!!\n");
-        return -5;
+    if (image == nullptr) {
+        if (!allocateImage()) {
+            ENV_LOGE("[ubootenv] Out of memory!!!\n");
+            return -5;
+        }
+        memset(image, 0, imageCapacity());
     }
     if (formatAttribute() < 0) return -8;
     *crcWord = dataCrc(data, dataSize);

@@ -85,9 +85,9 @@ class Ubootenv {
     // Bytes the formatted list needs in the data area (end mark included), with `key` set to
     // `value` when `key` is given.
     size_t formattedSize(const char* key, const char* value) const;
-    // A zeroed buffer for one copy (and for the fixed-size read of copy B); false when out of
-    // memory.
+    // A buffer for one copy (and for the fixed-size read of copy B); false when out of memory.
     bool allocateImage();
+    size_t imageCapacity() const;
     void freeImage();
     void freeAttributes();
 
