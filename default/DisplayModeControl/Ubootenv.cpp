@@ -244,7 +244,8 @@ int Ubootenv::init() {
         ENV_LOGE("[ubootenv] Cannot read %s: %d.\n", deviceName(), result);
         if (result <= -3) freeImage();
     }
-    // A copy read on the last try is not trusted as loaded; kept as the boot loader's tools do.
+    // A copy read only on the last try leaves initDone unset; this has always been so and the
+    // callers are used to it.
     if (attempt < kReadTries - 1) {
         propertyLoad();
         return 0;

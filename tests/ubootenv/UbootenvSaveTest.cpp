@@ -128,7 +128,9 @@ TEST_F(UbootenvSaveTest, BothCopiesAreIdenticalAndVerifyAfterASave) {
     std::string copyA = envCopy(dataArea(envStrings(factoryVariables())));
     writeDevice(kEnvDevice, twoCopies(copyA, envCopy(dataArea({"hdmimode=576cvbs"}))));
     Ubootenv env;
+    takeEnvLog();
     EXPECT_EQ(0, env.updateValue("ubootenv.var.is.bestmode", "false"));
+    EXPECT_EQ((EnvLogs{updateLine("ubootenv.var.is.bestmode", "false"), kSaved}), takeEnvLog());
     std::string image = readDevice(kEnvDevice);
     ASSERT_EQ(131072u, image.size());
     EXPECT_EQ(image.substr(0, 65536), image.substr(65536));
