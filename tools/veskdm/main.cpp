@@ -42,6 +42,7 @@ int main(int argc, char** argv) {
 
     veskdm::addPropCommand(app);
     veskdm::addTimingCommand(app);
+    veskdm::addEnvCommand(app);
 
     try {
         app.parse(argc, argv);
