@@ -288,9 +288,10 @@ void throwNotInteger(const std::string& type, long long min, unsigned long long 
     }
     if (in.is_number_float()) {
         // Integers too large for 64 bits are read as floating point.
-        double value = in.get<double>();
+        // long double holds every 64-bit limit exactly.
+        long double value = in.get<double>();
         if (std::trunc(value) != value) throw ArgumentError(expected + " (not an integer)");
-        if (value < static_cast<double>(min) || value > static_cast<double>(max)) {
+        if (value < static_cast<long double>(min) || value > static_cast<long double>(max)) {
             throw ArgumentError(expected + " (out of range)");
         }
         throw ArgumentError(expected + " (written with a fraction or an exponent)");
