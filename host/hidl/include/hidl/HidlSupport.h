@@ -6,6 +6,7 @@
 #pragma once
 
 #include <hidl/Status.h>
+#include <utils/Errors.h>
 #include <utils/RefBase.h>
 #include <utils/StrongPointer.h>
 

@@ -1,0 +1,119 @@
+/*
+ * Product information: the board's product record, read once per process and cached.
+ */
+#include <vesksdk.h>
+#include <vesksdk_records.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <mutex>
+
+#include "BoardText.h"
+#include "ServiceTrace.h"
+#include "VeskDeviceManager.h"
+
+namespace vesk::hardware::veskdevicemanager::implementation {
+namespace {
+
+constexpr size_t kRecordSize = VESK_PRODUCT_RECORD_SIZE;
+
+// Offsets of the 21 text slots, in the order of ProductInfo's string fields.
+constexpr size_t kTextOffsets[] = {0,    64,   96,   128,  256,  320,  384,  448,  480,  512, 544,
+                                   1600, 1632, 1664, 1696, 1728, 1760, 1792, 1856, 1952, 1984};
+constexpr size_t kFlag1Offset = 1568;
+constexpr size_t kFlag2Offset = 1824;
+constexpr size_t kFlag3Offset = 1920;
+constexpr size_t kUseDhcpOffset = VESK_PRODUCT_USE_DHCP_OFFSET;
+
+// The board is asked for the record at most once per process. After a failed read the record
+// is released and later calls answer an empty ProductInfo without asking again.
+struct ProductCache {
+    std::mutex mutex;
+    char* record = nullptr;  // guarded by mutex; set once, never released after a good read
+    bool readFailed = false;
+};
+
+ProductCache& productCache() {
+    static ProductCache cache;
+    return cache;
+}
+
+bool numericSwitch(const char* record, size_t offset) {
+    return atoi(recordText(record, kRecordSize, offset).c_str()) != 0;
+}
+
+void fillProductInfo(const char* record, ProductInfo& info) {
+    hidl_string* fields[] = {&info.text01, &info.modelId, &info.text03, &info.text04,
+                             &info.text05, &info.text06,  &info.text07, &info.text08,
+                             &info.text09, &info.text10,  &info.text11, &info.text12,
+                             &info.text13, &info.text14,  &info.text15, &info.text16,
+                             &info.text17, &info.text18,  &info.text19, &info.text20,
+                             &info.text21};
+    static_assert(std::size(kTextOffsets) == std::size(fields));
+    for (size_t i = 0; i < std::size(fields); ++i) {
+        *fields[i] = recordText(record, kRecordSize, kTextOffsets[i]);
+    }
+    info.flag3 = numericSwitch(record, kFlag3Offset);
+    info.flag2 = numericSwitch(record, kFlag2Offset);
+    info.flag1 = numericSwitch(record, kFlag1Offset);
+    std::string useDhcp = recordText(record, kRecordSize, kUseDhcpOffset);
+    info.useDHCP = useDhcp == "true";
+    vesk::log::debug(kTag, "productPtr->useDHCP:%s\n", useDhcp.c_str());
+    vesk::log::debug(kTag, "info.useDHCP:%d\n", info.useDHCP ? 1 : 0);
+}
+
+}  // namespace
+
+Return<void> VeskDeviceManager::getProductInfo(getProductInfo_cb _hidl_cb) {
+    trace("getProductInfo", 146);
+    ProductInfo info{};
+    {
+        ProductCache& cache = productCache();
+        std::lock_guard<std::mutex> lock(cache.mutex);
+        if (cache.record != nullptr || cache.readFailed) {
+            vesk::log::debug(kTag, "%s: productPtr is not NULL\n", "getProductInfo");
+            if (cache.record != nullptr) fillProductInfo(cache.record, info);
+        } else {
+            char* record = static_cast<char*>(malloc(kRecordSize));
+            if (record == nullptr) {
+                vesk::log::error(kTag, "%s: productPtr malloc failed\n", "getProductInfo");
+            } else {
+                memset(record, 0, kRecordSize);
+                vesk::log::debug(kTag, "%s: productPtr malloc ok\n", "getProductInfo");
+                if (bi_info_get_product_info(record) < 0) {
+                    vesk::log::error(kTag, "%s: bi_info_get_product_info failed\n",
+                                     "getProductInfo");
+                    free(record);
+                    cache.readFailed = true;
+                } else {
+                    cache.record = record;
+                    fillProductInfo(record, info);
+                }
+            }
+        }
+    }
+    _hidl_cb(info);
+    return Void();
+}
+
+Return<int32_t> VeskDeviceManager::setProductInfo(int32_t useDhcp) {
+    char word[6];
+    memset(word, 0, sizeof(word));
+    if (useDhcp == 1) {
+        snprintf(word, sizeof(word), "%s", "true");
+    } else if (useDhcp == 0) {
+        snprintf(word, sizeof(word), "%s", "false");
+    } else {
+        // Deliberately still passed on, with the empty word.
+        vesk::log::error(kTag, "%s, input error,please input 1 or 0\n", "setProductInfo");
+    }
+    return bi_info_set_product_info(word);
+}
+
+Return<int32_t> VeskDeviceManager::getProtocolType() {
+    trace("getProtocolType", 221);
+    return bi_info_get_protocol_type();
+}
+
+}  // namespace vesk::hardware::veskdevicemanager::implementation

@@ -1,0 +1,12 @@
+#!/usr/bin/env bash
+# The main job on the default device root: ask the service for a 1920x1080 output mode on the
+# simulated board, read back what is configured, and show what was stored for the boot loader.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/install-deps.sh
+scripts/build.sh default >/dev/null
+veskdm=build/default/bin/veskdm
+
+set -x
+"$veskdm" call calculateResolutionParameters 1920 1080 30
+"$veskdm" call getResolutionParameters

@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# Installs the Debian packages the build, the tests and the tools need; runs `apt-get update`
+# first when one is missing.
+set -euo pipefail
+
+packages=(
+    build-essential cmake pkg-config clang lld llvm libclang-rt-14-dev clang-format clang-tidy
+    hidl-gen android-libutils-dev android-liblog-dev android-libcutils-dev
+    zlib1g-dev libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev
+    libxcvt-dev u-boot-tools libubootenv-tool libubootenv-dev edid-decode lcov
+)
+
+missing=()
+for package in "${packages[@]}"; do
+    if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed"; then
+        missing+=("$package")
+    fi
+done
+
+if ((${#missing[@]})); then
+    sudo_cmd=()
+    if [[ $(id -u) -ne 0 ]]; then sudo_cmd=(sudo); fi
+    echo "installing: ${missing[*]}"
+    "${sudo_cmd[@]}" apt-get update -qq
+    DEBIAN_FRONTEND=noninteractive "${sudo_cmd[@]}" apt-get install -y -qq "${missing[@]}"
+fi

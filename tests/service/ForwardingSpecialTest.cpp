@@ -1,0 +1,104 @@
+// The forwarding methods that do a little more than forward: the fan stubs, the colour LED's
+// second line, the network state's normalisation, the two float readings, argument logging.
+#include "ServiceTest.h"
+
+namespace vesk::test {
+namespace {
+
+using ForwardingSpecialTest = ServiceTest;
+
+TEST_F(ForwardingSpecialTest, FanMethodsTraceAndAlwaysAnswerMinusOneWithoutTheBoard) {
+    setLevel("D");
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(-1, int32_t(service->setSimpleFanState(1)));
+        EXPECT_EQ(-1, int32_t(service->getSimPleFanState()));
+        EXPECT_EQ(-1, int32_t(service->setFanSpeedLevel(3)));
+        EXPECT_EQ(-1, int32_t(service->getFanSpeedLevel()));
+        EXPECT_EQ(-1, int32_t(service->getFanSpeedPRM()));
+    }
+    EXPECT_TRUE(calls().empty());
+    LogLines once = {debugLine("setSimpleFanState 676\n"), debugLine("getSimPleFanState 682\n"),
+                     debugLine("setFanSpeedLevel 688\n"), debugLine("getFanSpeedLevel 694\n"),
+                     debugLine("getFanSpeedPRM 700\n")};
+    LogLines twice = once;
+    twice.insert(twice.end(), once.begin(), once.end());
+    EXPECT_EQ(twice, capturedLogWithTag(kServiceTag));
+}
+
+TEST_F(ForwardingSpecialTest, ColorLedWritesTraceThenStatesWithoutLineEnd) {
+    setLevel("D");
+    script({{"bi_triled_set_state", {{"return", 5}}}});
+    EXPECT_EQ(5, int32_t(service->setColorLedState(1, 0, 1)));
+    EXPECT_EQ((LogLines{debugLine("setColorLedState 72\n"),
+                        debugLine("red_state:1 green_state:0 blue_state:1")}),
+              capturedLogWithTag(kServiceTag));
+    ASSERT_EQ(1u, callsOf("bi_triled_set_state").size());
+    EXPECT_EQ(json::array({1, 0, 1}), callsOf("bi_triled_set_state")[0]["args"]);
+}
+
+TEST_F(ForwardingSpecialTest, OpsSwitchStateLogsItsArgumentOnce) {
+    setLevel("D");
+    service->setOpsSwitchState(5);
+    EXPECT_EQ(LogLines{debugLine("setOpsSwitchState 897, state = 5\n")},
+              capturedLogWithTag(kServiceTag));
+}
+
+TEST_F(ForwardingSpecialTest, NetworkStateTurnsEveryFailureIntoMinusOne) {
+    setLevel("D");
+    script({{"bi_network_detection",
+             json::array({{{"return", -5}}, {{"return", -1}}, {{"return", 0}}, {{"return", 3}}})}});
+    EXPECT_EQ(-1, int32_t(service->getNetWorkState()));
+    EXPECT_EQ((LogLines{debugLine("getNetWorkState 1367\n"), debugLine("error return -5\n")}),
+              capturedLogWithTag(kServiceTag));
+    EXPECT_EQ(-1, int32_t(service->getNetWorkState()));
+    EXPECT_EQ(0, int32_t(service->getNetWorkState()));
+    EXPECT_EQ(3, int32_t(service->getNetWorkState()));
+}
+
+TEST_F(ForwardingSpecialTest, NetworkStateErrorLineNeedsD) {
+    setLevel("I");
+    script({{"bi_network_detection", {{"return", -5}}}});
+    EXPECT_EQ(-1, int32_t(service->getNetWorkState()));
+    EXPECT_TRUE(capturedLogWithTag(kServiceTag).empty());
+}
+
+TEST_F(ForwardingSpecialTest, FloatReadingsKeepANonIntegralBoardValueExactly) {
+    setLevel("D");
+    script({{"bi_adc_get_board_voltage", {{"return", 12.15}}},
+            {"bi_adc_get_board_temperature", {{"return", -3.375}}}});
+    EXPECT_EQ(12.15f, float(service->getBoardVoltage()));
+    EXPECT_EQ(-3.375f, float(service->getBoardTemperature()));
+    EXPECT_EQ((LogLines{debugLine("getBoardVoltage 1528\n"), debugLine("getBoardTemperature 1533\n")}),
+              capturedLogWithTag(kServiceTag));
+    EXPECT_EQ(1u, callsOf("bi_adc_get_board_voltage").size());
+    EXPECT_EQ(1u, callsOf("bi_adc_get_board_temperature").size());
+}
+
+TEST_F(ForwardingSpecialTest, OutOfRangeArgumentsReachTheBoardUnchanged) {
+    script({{"bi_relay_set_state", {{"return", -22}}},
+            {"bi_peripheral_relay_enable", {{"return", -19}}}});
+    EXPECT_EQ(-22, int32_t(service->setRelayState(-1)));
+    EXPECT_EQ(-19, int32_t(service->setPeripheralRelayStatus(99, 5)));
+    EXPECT_EQ(json::array({-1}), callsOf("bi_relay_set_state")[0]["args"]);
+    EXPECT_EQ(json::array({99, 5}), callsOf("bi_peripheral_relay_enable")[0]["args"]);
+}
+
+TEST_F(ForwardingSpecialTest, EmptyRtcTimeVectorPassesItsNullDataPointer) {
+    script({{"bi_rtc_set_boot_time", {{"return", -14}}}});
+    EXPECT_EQ(-14, int32_t(service->setRtcBootTime(hidl_vec<uint32_t>())));
+    auto board = callsOf("bi_rtc_set_boot_time");
+    ASSERT_EQ(1u, board.size());
+    EXPECT_EQ(json::array({nullptr}), board[0]["args"]);
+}
+
+TEST_F(ForwardingSpecialTest, VideoInputVolumeReusesTheAudioWording) {
+    setLevel("D");
+    service->setVideoInputSrcVolume(2, 200);
+    service->getVideoInputSrcVolume(2);
+    EXPECT_EQ((LogLines{debugLine("setVideoInputSrcVolume 1517, enable = 200\n"),
+                        debugLine("getVideoInputSrcVolume 1523\n")}),
+              capturedLogWithTag(kServiceTag));
+}
+
+}  // namespace
+}  // namespace vesk::test

@@ -1,0 +1,78 @@
+/*
+ * Fixture for the service's tests: a fresh device root, the log captured, the board's journal
+ * kept in memory and no script; the service fetched as a passthrough host fetches it.
+ */
+#pragma once
+
+#include <android/log.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <vesksdk_sim_control.h>
+
+#include "TestRoot.h"
+#include "VeskDeviceManager.h"
+
+namespace vesk::test {
+
+using ::android::sp;
+using ::android::hardware::hidl_string;
+using ::android::hardware::hidl_vec;
+using ::vesk::hardware::veskdevicemanager::V1_0::IVeskDeviceManager;
+using json = nlohmann::json;
+
+// Bytes as the script's "out" hex text.
+inline std::string hexOf(const std::string& bytes) {
+    static constexpr char kDigits[] = "0123456789abcdef";
+    std::string hex;
+    for (unsigned char c : bytes) {
+        hex += kDigits[c >> 4];
+        hex += kDigits[c & 15];
+    }
+    return hex;
+}
+
+// Places `text` at `offset` of a record of `size` zero bytes (grown as needed).
+inline void putText(std::string& record, size_t offset, const std::string& text) {
+    if (record.size() < offset + text.size()) record.resize(offset + text.size());
+    record.replace(offset, text.size(), text);
+}
+
+inline constexpr char kServiceTag[] = "vesk_system_hidl_device";
+inline constexpr char kLevel[] = "persist.vesk.device.log.level";
+
+class ServiceTest : public RootTest {
+  protected:
+    ServiceTest() {
+        vesk::sim::clearScript();
+        vesk::sim::startJournal();
+        service = vesk::hardware::veskdevicemanager::implementation::HIDL_FETCH_IVeskDeviceManager(
+                "default");
+        vesk::sim::clearJournal();
+        vesk::host::clearCapturedLog();
+    }
+
+    void setLevel(const std::string& level) { setProperty(kLevel, level); }
+    void script(const json& s) {
+        std::string error;
+        ASSERT_TRUE(vesk::sim::setScript(s, &error)) << error;
+    }
+    // Every board call since the fixture was made (constructor excluded).
+    std::vector<json> calls() { return vesk::sim::journal(); }
+    std::vector<json> callsOf(const std::string& function) {
+        return vesk::sim::journalOf(function);
+    }
+
+    static vesk::host::LogLine debugLine(const std::string& text) {
+        return {ANDROID_LOG_DEBUG, kServiceTag, text};
+    }
+    static vesk::host::LogLine infoLine(const std::string& text) {
+        return {ANDROID_LOG_INFO, kServiceTag, text};
+    }
+    static vesk::host::LogLine errorLine(const std::string& text) {
+        return {ANDROID_LOG_ERROR, kServiceTag, text};
+    }
+
+    sp<IVeskDeviceManager> service;
+};
+
+}  // namespace vesk::test
