@@ -178,6 +178,7 @@ class Binding {
         std::tuple<Input<I>...> values{
             readArgument<Input<I>>(binder.name, words[I], I, binder.parameters[I])...};
         return [method, values](IVeskDeviceManager& service) {
+            static_cast<void>(values);  // an empty tuple for a method without arguments
             CallOutcome outcome;
             auto invoke = [&](auto&&... callback) {
                 return (service.*method)(std::get<I>(values)...,
