@@ -31,13 +31,13 @@ int main(int argc, char** argv) {
     CLI::App app{"veskdm: the device manager of the board, on the host"};
     app.require_subcommand(1);
     veskdm::GlobalOptions options;
-    app.add_option("--root", options.root,
-                   "device root (default: $VESK_ROOT, then "
-                   "$XDG_STATE_HOME/veskdm/root)");
+    app.add_option("--root", options.root, "device root (default: $VESK_ROOT, then "
+                                           "$XDG_STATE_HOME/veskdm/root)");
     app.add_option("--log", options.log, "append the log as JSON lines to FILE");
     app.add_option("--board-journal", options.boardJournal,
                    "append one JSON line per board call to FILE");
-    app.add_option("--board-script", options.boardScript, "JSON file of scripted board results");
+    app.add_option("--board-script", options.boardScript,
+                   "JSON file of scripted board results");
     app.parse_complete_callback([&] { applyGlobalOptions(options); });
 
     veskdm::addPropCommand(app);
