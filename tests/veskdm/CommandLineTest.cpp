@@ -10,7 +10,6 @@ namespace veskdm::test {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
 class CommandLineTest : public ::testing::Test {
