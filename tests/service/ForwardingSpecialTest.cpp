@@ -29,6 +29,7 @@ TEST_F(ForwardingSpecialTest, ColorLedWritesTraceThenStatesWithoutLineEnd) {
     setLevel("D");
     script({{"bi_triled_set_state", {{"return", 5}}}});
     EXPECT_EQ(5, int32_t(service->setColorLedState(1, 0, 1)));
+    EXPECT_EQ(1u, calls().size());
     EXPECT_EQ((LogLines{debugLine("setColorLedState 72\n"),
                         debugLine("red_state:1 green_state:0 blue_state:1")}),
               capturedLogWithTag(kServiceTag));
@@ -53,6 +54,17 @@ TEST_F(ForwardingSpecialTest, NetworkStateTurnsEveryFailureIntoMinusOne) {
     EXPECT_EQ(-1, int32_t(service->getNetWorkState()));
     EXPECT_EQ(0, int32_t(service->getNetWorkState()));
     EXPECT_EQ(3, int32_t(service->getNetWorkState()));
+    auto board = callsOf("bi_network_detection");
+    ASSERT_EQ(4u, board.size());
+    for (const auto& call : board) EXPECT_EQ(json::array(), call["args"]);
+    EXPECT_EQ(4u, calls().size());
+}
+
+TEST_F(ForwardingSpecialTest, ColorLedReadsBackThroughItsGetter) {
+    setLevel("D");
+    script({{"bi_triled_get_state", {{"return", -77}}}});
+    EXPECT_EQ(-77, int32_t(service->getColorLedState()));
+    EXPECT_EQ(LogLines{debugLine("getColorLedState 79\n")}, capturedLogWithTag(kServiceTag));
 }
 
 TEST_F(ForwardingSpecialTest, NetworkStateErrorLineNeedsD) {

@@ -135,7 +135,8 @@ int bi_vesk_logd_get_configure(void* record);
 int bi_vesk_logd_compress(const char* source, const char* target);
 int bi_vesk_logd_clear(const char* path);
 
-/* RTC boot and wake times: 256 32-bit words. */
+/* RTC boot and wake times: set reads 6 words (year, month, day, hour, minute, second); get fills
+ * a buffer of 256 words. */
 int bi_rtc_set_boot_enable(unsigned int enable);
 int bi_rtc_set_wake_enable(unsigned int enable);
 int bi_rtc_set_boot_time(const unsigned int* time);

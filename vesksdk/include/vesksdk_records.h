@@ -59,7 +59,10 @@ struct vesk_log_record {
     char once_size[8];
 };
 
+/* RTC times: the board reads VESK_RTC_SET_WORDS words of a time it is given (year, month, day,
+ * hour, minute, second) and fills up to VESK_RTC_TIME_WORDS words of a buffer it is lent. */
 #define VESK_RTC_TIME_WORDS 256
+#define VESK_RTC_SET_WORDS 6
 
 /* One entry of the resolution list, and the result of the resolution functions. */
 struct vesk_resolution_record {

@@ -1,4 +1,5 @@
-// The RTC's boot and wake schedules: enables, and times of 256 32-bit words each.
+// The RTC's boot and wake schedules: enables, and times (year, month, day, hour, minute,
+// second) answered in a 256-word buffer.
 #include <algorithm>
 
 #include "SimMacros.h"
@@ -17,7 +18,7 @@ using Times = std::array<uint32_t, VESK_RTC_TIME_WORDS>;
 int setTimes(const unsigned int* time, Times BoardData::*times) {
     if (!time) return -1;
     vesk::sim::board().with(
-        [&](BoardData& data) { std::copy_n(time, VESK_RTC_TIME_WORDS, (data.*times).begin()); });
+        [&](BoardData& data) { std::copy_n(time, VESK_RTC_SET_WORDS, (data.*times).begin()); });
     return 0;
 }
 
@@ -31,12 +32,12 @@ int getTimes(unsigned int* time, Times BoardData::*times) {
 }  // namespace
 
 int bi_rtc_set_boot_time(const unsigned int* time) {
-    return SimCall("bi_rtc_set_boot_time", {vesk::sim::inputWords(time, VESK_RTC_TIME_WORDS)})
+    return SimCall("bi_rtc_set_boot_time", {vesk::sim::inputWords(time, VESK_RTC_SET_WORDS)})
         .run([&] { return setTimes(time, &BoardData::rtcBoot); });
 }
 
 int bi_rtc_set_wake_time(const unsigned int* time) {
-    return SimCall("bi_rtc_set_wake_time", {vesk::sim::inputWords(time, VESK_RTC_TIME_WORDS)})
+    return SimCall("bi_rtc_set_wake_time", {vesk::sim::inputWords(time, VESK_RTC_SET_WORDS)})
         .run([&] { return setTimes(time, &BoardData::rtcWake); });
 }
 
