@@ -30,10 +30,6 @@ const std::vector<Row>& forwardingTable() {
          "bi_netled_set_state", json::array({-7}), "setNetLedState 60\n"},
         {"getNetLedState", [](IVeskDeviceManager& s) { return int32_t(s.getNetLedState()); },
          "bi_netled_get_state", json::array({}), "getNetLedState 66\n"},
-         [](IVeskDeviceManager& s) {
-             return int32_t(s.setColorLedState(-7, 2147483647, -2147483648));
-         },
-         "bi_triled_set_state", json::array({-7, 2147483647, -2147483648}), "setColorLedState 72\n"},
         {"getColorLedState", [](IVeskDeviceManager& s) { return int32_t(s.getColorLedState()); },
          "bi_triled_get_state", json::array({}), "getColorLedState 79\n"},
         {"set4gLedState", [](IVeskDeviceManager& s) { return int32_t(s.set4gLedState(-7)); },
@@ -128,7 +124,6 @@ const std::vector<Row>& forwardingTable() {
         {"getUsbSubCardLedStatus",
          [](IVeskDeviceManager& s) { return int32_t(s.getUsbSubCardLedStatus()); },
          "bi_usb_sub_card_led_get_status", json::array({}), "getUsbSubCardLedStatus 1131\n"},
-         "bi_network_detection", json::array({}), "getNetWorkState 1367\n"},
         {"compressVeskLog",
          [](IVeskDeviceManager& s) { return int32_t(s.compressVeskLog("/dev/watchdog0", "second")); },
          "bi_vesk_logd_compress", json::array({"/dev/watchdog0", "second"}),
