@@ -1,0 +1,29 @@
+// USB: OTG mode, the switch to the front ports, per-port power and the devices attached.
+#include <cstring>
+
+#include "SimMacros.h"
+#include "vesksdk.h"
+
+VESK_SIM_GETTER(bi_otg_get_mode, "otg_mode")
+VESK_SIM_SETTER(bi_otg_set_mode, "otg_mode", unsigned int)
+VESK_SIM_SETTER(bi_usb_set_switch_enable, "usb_switch", unsigned int)
+VESK_SIM_GETTER(bi_usb_get_switch_enable, "usb_switch")
+VESK_SIM_INDEXED_SETTER(bi_set_usb_state, "usb_state", unsigned int, unsigned int)
+VESK_SIM_INDEXED_GETTER(bi_get_usb_state, "usb_state", unsigned int)
+
+// Two devices: the root hubs of the USB 2.0 and 3.0 controllers.
+int bi_info_get_usb_list(void* record) {
+    return vesk::sim::SimCall("bi_info_get_usb_list", {vesk::sim::outputBuffer()})
+        .out(record, sizeof(vesk_usb_list_record))
+        .run([&] {
+            if (!record) return -1;
+            vesk_usb_list_record list{};
+            list.count = 2;
+            list.vid[0] = 0x1d6b;
+            list.pid[0] = 0x0002;
+            list.vid[1] = 0x1d6b;
+            list.pid[1] = 0x0003;
+            memcpy(record, &list, sizeof(list));
+            return 0;
+        });
+}
