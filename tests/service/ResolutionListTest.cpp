@@ -39,14 +39,14 @@ void expectEntry(const VeskEffeResolution& entry, uint32_t width, uint32_t heigh
 TEST_F(ResolutionListTest, CountZeroWritesOneErrorLineAndGivesAnEmptyList) {
     script({{"bi_resolution_get_parameters_list", {{"return", 0}}}});
     expectLinesAtEachLevel(
-            [&] {
-                ListResult result;
-                result.list.resize(1);
-                service->getResolutionParametersList(result.callback());
-                EXPECT_EQ(1, result.calls);
-                EXPECT_TRUE(result.list.empty());
-            },
-            {errorLine("getResolutionParametersList: resolution list is 0\n")});
+        [&] {
+            ListResult result;
+            result.list.resize(1);
+            service->getResolutionParametersList(result.callback());
+            EXPECT_EQ(1, result.calls);
+            EXPECT_TRUE(result.list.empty());
+        },
+        {errorLine("getResolutionParametersList: resolution list is 0\n")});
     auto board = callsOf("bi_resolution_get_parameters_list");
     ASSERT_EQ(3u, board.size());
     EXPECT_EQ(json::array({nullptr}), board[0]["args"]);
@@ -55,25 +55,27 @@ TEST_F(ResolutionListTest, CountZeroWritesOneErrorLineAndGivesAnEmptyList) {
 
 TEST_F(ResolutionListTest, CountThreeGivesThreeEntriesInBoardOrderWithStatusOne) {
     // Three records, byte by byte; the fourth words are 0, 0xffffffff and 7.
+    // clang-format off
     const std::string records = "80070000" "38040000" "3c000000" "00000000"   // 1920 x 1080 @ 60
                                 "000f0000" "70080000" "1e000000" "ffffffff"   // 3840 x 2160 @ 30
                                 "d0020000" "40020000" "32000000" "07000000";  // 720 x 576 @ 50
+    // clang-format on
     script({{"bi_resolution_get_parameters_list", {{"return", 3}, {"out", records}}}});
     expectLinesAtEachLevel(
-            [&] {
-                ListResult result;
-                service->getResolutionParametersList(result.callback());
-                EXPECT_EQ(1, result.calls);
-                ASSERT_EQ(3u, result.list.size());
-                expectEntry(result.list[0], 1920, 1080, 60);
-                expectEntry(result.list[1], 3840, 2160, 30);
-                expectEntry(result.list[2], 720, 576, 50);
-            },
-            {errorLine("getResolutionParametersList: resolution list is 3\n")});
+        [&] {
+            ListResult result;
+            service->getResolutionParametersList(result.callback());
+            EXPECT_EQ(1, result.calls);
+            ASSERT_EQ(3u, result.list.size());
+            expectEntry(result.list[0], 1920, 1080, 60);
+            expectEntry(result.list[1], 3840, 2160, 30);
+            expectEntry(result.list[2], 720, 576, 50);
+        },
+        {errorLine("getResolutionParametersList: resolution list is 3\n")});
 }
 
 TEST_F(ResolutionListTest, EveryByteOfTheThreeWordsIsRead) {
-    const std::string records = "04030201" "d0c0b0a0" "ffffffff" "00000000";
+    const std::string records = "04030201d0c0b0a0ffffffff00000000";
     script({{"bi_resolution_get_parameters_list", {{"return", 1}, {"out", records}}}});
     ListResult result;
     service->getResolutionParametersList(result.callback());
@@ -82,8 +84,10 @@ TEST_F(ResolutionListTest, EveryByteOfTheThreeWordsIsRead) {
 }
 
 TEST_F(ResolutionListTest, RecordsBeyondTheCountAreNotRead) {
+    // clang-format off
     const std::string records = "80070000" "38040000" "3c000000" "00000000"
                                 "000f0000" "70080000" "1e000000" "00000000";
+    // clang-format on
     script({{"bi_resolution_get_parameters_list", {{"return", 1}, {"out", records}}}});
     ListResult result;
     service->getResolutionParametersList(result.callback());
@@ -148,11 +152,11 @@ using ResolutionListDeathTest = ResolutionListTest;
 TEST_F(ResolutionListDeathTest, ANegativeCountEndsTheProcess) {
     script({{"bi_resolution_get_parameters_list", {{"return", -1}}}});
     EXPECT_DEATH(
-            {
-                vesk::host::logToStderr();  // the fatal line goes where the death test sees it
-                service->getResolutionParametersList([](const hidl_vec<VeskEffeResolution>&) {});
-            },
-            "resolution list is -1\n.*hidl_vec can't hold more than 2\\^32 elements\\.");
+        {
+            vesk::host::logToStderr();  // the fatal line goes where the death test sees it
+            service->getResolutionParametersList([](const hidl_vec<VeskEffeResolution>&) {});
+        },
+        "resolution list is -1\n.*hidl_vec can't hold more than 2\\^32 elements\\.");
 }
 
 }  // namespace
