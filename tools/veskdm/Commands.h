@@ -31,6 +31,17 @@ class CommandError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// The command has already reported its problems (one line each on stderr): main() prints
+// nothing more and exits with this status.
+class ExitStatus {
+  public:
+    explicit ExitStatus(int status) : mStatus(status) {}
+    int status() const { return mStatus; }
+
+  private:
+    int mStatus;
+};
+
 // Each registers one subcommand; its callback may throw UsageError or CommandError.
 void addPropCommand(CLI::App& app);
 void addServiceCommands(CLI::App& app);  // methods, call, shell

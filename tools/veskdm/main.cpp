@@ -41,6 +41,9 @@ int main(int argc, char** argv) {
     app.parse_complete_callback([&] { applyGlobalOptions(options); });
 
     veskdm::addPropCommand(app);
+    veskdm::addTimingCommand(app);
+    veskdm::addEnvCommand(app);
+    veskdm::addServiceCommands(app);
 
     try {
         app.parse(argc, argv);
@@ -55,6 +58,8 @@ int main(int argc, char** argv) {
     } catch (const veskdm::CommandError& e) {
         fprintf(stderr, "veskdm: %s\n", e.what());
         return 1;
+    } catch (const veskdm::ExitStatus& e) {
+        return e.status();
     }
     return 0;
 }

@@ -19,8 +19,8 @@ void checksum(uint8_t* block) {
     block[kBlockSize - 1] = static_cast<uint8_t>(256 - sum % 256);
 }
 
-void putDescriptor(uint8_t* descriptor, uint8_t tag, const char* text) {
-    descriptor[3] = tag;
+void putName(uint8_t* descriptor, const char* text) {
+    descriptor[3] = 0xfc;
     std::size_t length = strlen(text);
     memcpy(descriptor + 5, text, length);
     if (length < 13) {
@@ -48,13 +48,14 @@ bool writeEdid(uint8_t* edid, uint16_t productCode, unsigned width, unsigned hei
     base[11] = productCode >> 8;
     base[16] = 1;   // week
     base[17] = 34;  // 2024
-    base[18] = 1;   // EDID 1.3
-    base[19] = 3;
+    base[18] = 1;   // EDID 1.4
+    base[19] = 4;
     base[20] = 0x80;  // digital input
     base[21] = 60;    // 60 x 34 cm
     base[22] = 34;
     base[23] = 0x78;                                       // gamma 2.2
     base[24] = 0x0a;                                       // RGB, preferred timing is native
+    base[35] = 0x20;                                       // established 640x480 at 60 Hz
     for (std::size_t i = 38; i < 54; ++i) base[i] = 0x01;  // no standard timings
 
     uint8_t* timing = base + kTimingOffset;
@@ -75,16 +76,31 @@ bool writeEdid(uint8_t* edid, uint16_t productCode, unsigned width, unsigned hei
     timing[14] = 0x21;
     timing[17] = 0x1e;  // digital separate sync, both polarities positive
 
-    putDescriptor(base + 72, 0xfc, "VESK SIM");
-    putDescriptor(base + 90, 0x10, "");
-    putDescriptor(base + 108, 0x10, "");
-    base[126] = 1;  // one extension block
+    putName(base + 72, "VESK SIM");
+    uint8_t* limits = base + 90;
+    limits[3] = 0xfd;
+    limits[5] = 24;  // 24-75 Hz vertical, 15-160 kHz horizontal, up to 660 MHz
+    limits[6] = 75;
+    limits[7] = 15;
+    limits[8] = 160;
+    limits[9] = 66;
+    limits[10] = 0x01;  // range limits only
+    limits[11] = '\n';
+    memset(limits + 12, ' ', 6);
+    base[108 + 3] = 0x10;  // dummy descriptor
+    base[126] = 1;         // one extension block
     checksum(base);
 
     uint8_t* extension = edid + kBlockSize;
     extension[0] = 0x02;  // CTA-861
     extension[1] = 0x03;
-    extension[2] = 0x04;  // no data blocks, no detailed timings
+    const uint8_t dataBlocks[] = {
+        0x41, 0x01,       // video: VIC 1, 640x480 at 60 Hz
+        0xe2, 0x00, 0x4a  // video capability: selectable RGB range, underscanned
+    };
+    memcpy(extension + 4, dataBlocks, sizeof(dataBlocks));
+    extension[2] = 4 + sizeof(dataBlocks);  // no detailed timings after the data blocks
+    extension[3] = 0x81;  // underscanned; one native detailed timing (the base block's)
     checksum(extension);
     return true;
 }

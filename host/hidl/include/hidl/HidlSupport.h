@@ -94,7 +94,7 @@ class hidl_string {
     const char* mBuffer = kEmpty;
     uint32_t mSize = 0;
     bool mOwnsBuffer = false;
-    uint8_t mPad[3] = {};
+    [[maybe_unused]] uint8_t mPad[3] = {};
 };
 
 static_assert(sizeof(hidl_string) == 16 && alignof(hidl_string) == 8);
@@ -205,7 +205,7 @@ class hidl_vec {
     T* mBuffer = nullptr;
     uint32_t mSize = 0;
     bool mOwnsBuffer = false;
-    uint8_t mPad[3] = {};
+    [[maybe_unused]] uint8_t mPad[3] = {};
 };
 
 template <typename T>

@@ -3,6 +3,8 @@
  */
 #pragma once
 
+#include <utils/Errors.h>
+
 #include <cstdint>
 #include <string>
 #include <utility>

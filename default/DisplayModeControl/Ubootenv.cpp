@@ -1,0 +1,649 @@
+/*
+ * The boot loader's environment partition: choosing the device, reading and checking the two
+ * copies, the attribute list, and writing both copies back.
+ */
+#include "Ubootenv.h"
+
+#include <android/log.h>
+#include <cutils/properties.h>
+#include <errno.h>
+#include <fcntl.h>
+#include <mtd/mtd-user.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <zlib.h>
+
+#include <algorithm>
+
+#include "VeskPlatform.h"
+
+const char* PROFIX_UBOOTENV_VAR = "ubootenv.var.";
+
+namespace {
+
+constexpr char kTag[] = "Ubootenv";
+constexpr char kLevelProperty[] = "persist.vendor.sc.log.level";
+// Copy B starts here whatever the size of a copy; the boot loader looks for it there.
+constexpr uint32_t kCopyBOffset = 65536;
+constexpr uint32_t kDefaultPartitionSize = 65536;
+constexpr uint32_t kCrcSize = 4;
+constexpr int kReadTries = 5;
+constexpr int kSaveTries = 5;
+
+// The module's own level: a numeric property, read afresh before every line.
+bool levelAllows(int priority) {
+    char level[PROPERTY_VALUE_MAX];
+    memset(level, 0, sizeof(level));
+    property_get(kLevelProperty, level, "4");
+    return atoi(level) <= priority;
+}
+
+const char* fileName(const char* path) {
+    const char* slash = strrchr(path, '/');
+    return slash != nullptr ? slash : path;
+}
+
+}  // namespace
+
+// Every line starts with the source file's name, the logging function and the source line.
+#define ENV_LOG(priority, format, ...)                                                      \
+    do {                                                                                    \
+        if (levelAllows(priority)) {                                                        \
+            __android_log_print(priority, kTag, "[%s, %s, %d] " format, fileName(__FILE__), \
+                                __func__, __LINE__, ##__VA_ARGS__);                         \
+        }                                                                                   \
+    } while (0)
+#define ENV_LOGE(format, ...) ENV_LOG(ANDROID_LOG_ERROR, format, ##__VA_ARGS__)
+#define ENV_LOGI(format, ...) ENV_LOG(ANDROID_LOG_INFO, format, ##__VA_ARGS__)
+
+namespace {
+
+class MutexGuard {
+  public:
+    explicit MutexGuard(pthread_mutex_t* mutex) : mMutex(mutex) { pthread_mutex_lock(mMutex); }
+    ~MutexGuard() { pthread_mutex_unlock(mMutex); }
+    MutexGuard(const MutexGuard&) = delete;
+    MutexGuard& operator=(const MutexGuard&) = delete;
+
+  private:
+    pthread_mutex_t* mMutex;
+};
+
+// Up to `count` bytes, across short reads; -1 when an error came before any byte.
+ssize_t readFully(int fd, void* buffer, size_t count) {
+    size_t done = 0;
+    while (done < count) {
+        ssize_t n = read(fd, static_cast<uint8_t*>(buffer) + done, count - done);
+        if (n < 0 && errno == EINTR) continue;
+        if (n < 0) return done > 0 ? static_cast<ssize_t>(done) : -1;
+        if (n == 0) break;
+        done += static_cast<size_t>(n);
+    }
+    return static_cast<ssize_t>(done);
+}
+
+// All `count` bytes or -1: a copy written in part counts as not written.
+ssize_t writeFully(int fd, const void* buffer, size_t count) {
+    size_t done = 0;
+    while (done < count) {
+        ssize_t n = write(fd, static_cast<const uint8_t*>(buffer) + done, count - done);
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) return -1;
+        done += static_cast<size_t>(n);
+    }
+    return static_cast<ssize_t>(done);
+}
+
+// Waits until the written copy is on the device. A device without a cache of its own (an MTD
+// character device, a pipe) answers EINVAL or EROFS: its data is already where it goes.
+bool syncCopy(int fd) {
+    return fdatasync(fd) == 0 || errno == EINVAL || errno == EROFS;
+}
+
+// Readers share the device, a saver has it alone, so that no process ever reads a copy that
+// another is writing. Advisory: should the lock be unavailable, the CRC check still guards.
+void lockDevice(int fd, int operation) {
+    while (flock(fd, operation) < 0 && errno == EINTR) {
+    }
+}
+
+uint32_t dataCrc(const uint8_t* data, uint32_t size) {
+    return static_cast<uint32_t>(crc32(0, data, size));
+}
+
+}  // namespace
+
+Ubootenv::Ubootenv()
+    : partitionSize(kDefaultPartitionSize),
+      dataSize(kDefaultPartitionSize - kCrcSize),
+      image(nullptr),
+      crcWord(nullptr),
+      data(nullptr),
+      initDone(false) {
+    memset(devicePath, 0, sizeof(devicePath));
+    memset(&attributes, 0, sizeof(attributes));
+    memset(&lock, 0, sizeof(lock));  // a zeroed mutex is a default mutex
+    init();
+}
+
+Ubootenv::Ubootenv(const char* device)
+    : partitionSize(kDefaultPartitionSize),
+      dataSize(kDefaultPartitionSize - kCrcSize),
+      image(nullptr),
+      crcWord(nullptr),
+      data(nullptr),
+      initDone(false),
+      explicitDevice(device != nullptr ? device : ""),
+      hasExplicitDevice(true) {
+    memset(devicePath, 0, sizeof(devicePath));
+    memset(&attributes, 0, sizeof(attributes));
+    memset(&lock, 0, sizeof(lock));
+    init();
+}
+
+Ubootenv::~Ubootenv() {
+    freeImage();
+    freeAttributes();
+}
+
+const char* Ubootenv::deviceName() const {
+    return hasExplicitDevice ? explicitDevice.c_str() : devicePath;
+}
+
+std::string Ubootenv::hostPath() const {
+    if (hasExplicitDevice) return explicitDevice;
+    if (devicePath[0] == '\0') return std::string();
+    return vesk::platform::devicePath(devicePath);
+}
+
+void Ubootenv::freeImage() {
+    free(image);
+    image = nullptr;
+    crcWord = nullptr;
+    data = nullptr;
+}
+
+size_t Ubootenv::imageCapacity() const {
+    // Room for one copy, and for the fixed-size read of copy B when a copy is smaller.
+    return std::max(partitionSize, kCopyBOffset);
+}
+
+bool Ubootenv::allocateImage() {
+    freeImage();
+    auto* buffer = static_cast<uint8_t*>(malloc(imageCapacity()));
+    if (buffer == nullptr) return false;
+    image = buffer;
+    crcWord = reinterpret_cast<uint32_t*>(buffer);
+    data = buffer + kCrcSize;
+    return true;
+}
+
+void Ubootenv::freeAttributes() {
+    EnvAttribute* node = attributes.next;
+    while (node != nullptr) {
+        EnvAttribute* next = node->next;
+        free(node);
+        node = next;
+    }
+    memset(&attributes, 0, sizeof(attributes));
+}
+
+int Ubootenv::init() {
+    partitionSize = kDefaultPartitionSize;
+    dataSize = kDefaultPartitionSize - kCrcSize;
+    if (hasExplicitDevice) {
+        snprintf(devicePath, sizeof(devicePath), "%s", explicitDevice.c_str());
+    } else {
+        static const char* const kDevices[] = {"/dev/nand_env", "/dev/block/env",
+                                               "/dev/block/by-name/env",
+                                               "/dev/block/by-name/ubootenv"};
+        constexpr int kMtdDevice = 3;
+        memset(devicePath, 0, sizeof(devicePath));
+        int chosen = -1;
+        for (int i = 0; i < 4; ++i) {
+            struct stat st;
+            if (stat(vesk::platform::devicePath(kDevices[i]).c_str(), &st) == 0) {
+                snprintf(devicePath, sizeof(devicePath), "%s", kDevices[i]);
+                chosen = i;
+                break;
+            }
+        }
+        if (chosen == kMtdDevice) {
+            int fd = open(hostPath().c_str(), O_RDWR | O_CLOEXEC);
+            if (fd < 0) {
+                ENV_LOGE("[ubootenv] open device(%s) error\n", devicePath);
+                return -2;
+            }
+            mtd_info_user info;
+            memset(&info, 0, sizeof(info));
+            if (vesk::platform::mtdGetInfo(fd, &info) < 0) {
+                ENV_LOGE("[ubootenv] get MTD info error\n");
+                close(fd);
+                return -3;
+            }
+            close(fd);
+            if (info.size <= 2 * kCrcSize) {
+                ENV_LOGE("[ubootenv] MTD size %u too small for an environment\n", info.size);
+                return -3;
+            }
+            partitionSize = info.size;
+            dataSize = info.size - 2 * kCrcSize;
+        }
+    }
+    ENV_LOGI("[ubootenv] using %s with size(%d) (%d)", deviceName(),
+             static_cast<int>(partitionSize), static_cast<int>(dataSize));
+
+    int attempt = 0;
+    for (; attempt < kReadTries; ++attempt) {
+        int result = readPartitionData();
+        if (result == 0) break;
+        ENV_LOGE("[ubootenv] Cannot read %s: %d.\n", deviceName(), result);
+        if (result <= -3) freeImage();
+    }
+    // A copy read only on the last try leaves initDone unset; this has always been so and the
+    // callers are used to it.
+    if (attempt < kReadTries - 1) {
+        propertyLoad();
+        return 0;
+    }
+    ENV_LOGE("[ubootenv] read %s failed \n", deviceName());
+    return -2;
+}
+
+int Ubootenv::readPartitionData() {
+    int fd = open(hostPath().c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) {
+        ENV_LOGE("[ubootenv] open devices error: %s\n", strerror(errno));
+        return -1;
+    }
+    if (!allocateImage()) {
+        ENV_LOGE("[ubootenv] Not enough memory for environment (%u bytes)\n", partitionSize);
+        close(fd);
+        return -2;
+    }
+    lockDevice(fd, LOCK_SH);
+
+    ssize_t count = readFully(fd, image, partitionSize);
+    // The buffer is zero beyond what was read.
+    size_t filled = count > 0 ? static_cast<size_t>(count) : 0;
+    memset(image + filled, 0, imageCapacity() - filled);
+    if (count == static_cast<ssize_t>(partitionSize)) {
+        uint32_t crc = dataCrc(data, dataSize);
+        if (crc == *crcWord) {
+            parseAttribute();
+            close(fd);
+            return 0;
+        }
+        ENV_LOGE("[ubootenv] CRC Check SYS_LOGE save_crc=%08x, crcCalc = %08x \n", *crcWord, crc);
+    } else {
+        ENV_LOGE("[ubootenv] read error 0x%x \n", static_cast<unsigned>(count));
+    }
+
+    ENV_LOGI("first env error, try second....\n");
+    off_t seek = lseek(fd, kCopyBOffset, SEEK_SET);
+    if (seek != kCopyBOffset) ENV_LOGE("[ubootenv] lseek error, seeknum = %d \n", (int)seek);
+    count = readFully(fd, image, kCopyBOffset);
+    // A copy of another size than 65536 bytes is taken from copy B on trust.
+    if (count == static_cast<ssize_t>(partitionSize)) {
+        uint32_t crc = dataCrc(data, dataSize);
+        if (crc != *crcWord) {
+            ENV_LOGE("[ubootenv] CRC2 Check SYS_LOGE save_crc=%08x, crcCalc = %08x \n", *crcWord,
+                     crc);
+            close(fd);
+            return -3;
+        }
+    }
+    parseAttribute();
+    close(fd);
+    return 0;
+}
+
+void Ubootenv::parseAttribute() {
+    freeAttributes();
+    if (data == nullptr || dataSize == 0) return;
+    char* area = reinterpret_cast<char*>(data);
+    EnvAttribute* node = &attributes;
+    size_t offset = 0;
+    for (;;) {
+        char* text = area + offset;
+        size_t length = strnlen(text, dataSize - offset);
+        auto* equals = static_cast<char*>(memchr(text, '=', length));
+        if (equals != nullptr) {
+            *equals = '\0';
+            size_t keyLength = static_cast<size_t>(equals - text);
+            size_t valueLength = length - keyLength - 1;
+            if (keyLength >= sizeof(node->key)) {
+                ENV_LOGE("[ubootenv] key of %zu characters cut to %zu\n", keyLength,
+                         sizeof(node->key) - 1);
+                keyLength = sizeof(node->key) - 1;
+            }
+            memcpy(node->key, text, keyLength);
+            if (valueLength >= sizeof(node->value)) {
+                ENV_LOGE("[ubootenv] value of %s (%zu characters) cut to %zu\n", node->key,
+                         valueLength, sizeof(node->value) - 1);
+                valueLength = sizeof(node->value) - 1;
+            }
+            memcpy(node->value, equals + 1, valueLength);
+        } else {
+            ENV_LOGE("[ubootenv] error need '=' skip this value\n");
+        }
+        size_t next = offset + length + 1;
+        if (next >= dataSize) {
+            // Never walk past the area: a list without its empty string ends here.
+            ENV_LOGE("[ubootenv] env data has no end mark within %u bytes\n", dataSize);
+            return;
+        }
+        if (area[next] == '\0') return;
+        auto* added = static_cast<EnvAttribute*>(calloc(1, sizeof(EnvAttribute)));
+        if (added == nullptr) {
+            ENV_LOGE("[ubootenv] parse attribute malloc error \n");
+            return;
+        }
+        node->next = added;
+        node = added;
+        offset = next;
+    }
+}
+
+void Ubootenv::propertyLoad() {
+    ENV_LOGI("[ubootenv] set property count: %d\n", 0);
+    initDone = true;
+}
+
+bool Ubootenv::isEnv(const char* name) {
+    if (name == nullptr || name[0] == '\0') return false;
+    if (PROFIX_UBOOTENV_VAR == nullptr || PROFIX_UBOOTENV_VAR[0] == '\0') return false;
+    size_t prefixLength = strlen(PROFIX_UBOOTENV_VAR);
+    return strncmp(name, PROFIX_UBOOTENV_VAR, prefixLength) == 0 && strlen(name) > prefixLength;
+}
+
+const char* Ubootenv::get(const char* key) {
+    if (!initDone) {
+        ENV_LOGE("[ubootenv] don't init done\n");
+        return nullptr;
+    }
+    if (key == nullptr) return nullptr;
+    for (EnvAttribute* node = &attributes; node != nullptr; node = node->next) {
+        if (strcmp(node->key, key) == 0) return node->value;
+    }
+    return nullptr;
+}
+
+const char* Ubootenv::getValue(const char* name) {
+    if (!isEnv(name)) {
+        ENV_LOGE("[ubootenv] %s is not a ubootenv variable and need prefix:ubootenv.var.xxx\n",
+                 name != nullptr ? name : "(null)");
+        printValues();
+        return nullptr;
+    }
+    MutexGuard guard(&lock);
+    return get(name + strlen(PROFIX_UBOOTENV_VAR));
+}
+
+void Ubootenv::printValues() {
+    for (EnvAttribute* node = &attributes; node != nullptr; node = node->next) {
+        ENV_LOGI("[ubootenv] key: [%s], value: [%s]\n", node->key, node->value);
+    }
+}
+
+void Ubootenv::dump(int fd) {
+    for (EnvAttribute* node = &attributes; node != nullptr; node = node->next) {
+        dprintf(fd, "[ubootenv] key: [%s], value: [%s]\n", node->key, node->value);
+    }
+}
+
+int Ubootenv::reInit() {
+    MutexGuard guard(&lock);
+    freeImage();
+    freeAttributes();
+    init();
+    return 0;
+}
+
+int Ubootenv::updateValue(const char* name, const char* value) {
+    if (value == nullptr) value = "";
+    // Held for the whole update, the lookup included, so that no other thread's update or
+    // reload changes the list under it.
+    MutexGuard guard(&lock);
+    if (!initDone) {
+        ENV_LOGE("[ubootenv] bootenv do not init\n");
+        return -1;
+    }
+    ENV_LOGI("[ubootenv] update value name [%s]: value [%s] \n", name != nullptr ? name : "(null)",
+             value);
+    const char* key;
+    if (name != nullptr && strcmp(name, "ubootenv.var.bootcmd") == 0) {
+        key = "bootcmd";
+    } else if (isEnv(name)) {
+        key = name + strlen(PROFIX_UBOOTENV_VAR);
+    } else {
+        ENV_LOGE("[ubootenv] %s is not a ubootenv variable.\n", name != nullptr ? name : "(null)");
+        return -2;
+    }
+    if (strlen(key) >= sizeof(attributes.key)) {
+        ENV_LOGE("[ubootenv] key of %zu characters is too long (at most %zu)\n", strlen(key),
+                 sizeof(attributes.key) - 1);
+        return -2;
+    }
+    if (strlen(value) >= sizeof(attributes.value)) {
+        ENV_LOGE("[ubootenv] value of %s (%zu characters) is too long (at most %zu)\n", key,
+                 strlen(value), sizeof(attributes.value) - 1);
+        return -8;
+    }
+
+    const char* current = get(key);
+    if (strcmp(current != nullptr ? current : "", value) == 0) return 0;
+
+    size_t needed = formattedSize(key, value);
+    if (needed > dataSize) {
+        ENV_LOGE("[ubootenv] no room for %s: the env needs %zu bytes, the data area has %u\n", key,
+                 needed, dataSize);
+        return -8;
+    }
+    if (set(key, value, true) < 0) {
+        ENV_LOGE("[ubootenv] Out of memory!!!\n");
+        return -5;
+    }
+    int result = 0;
+    int attempt = 0;
+    for (; attempt < kSaveTries; ++attempt) {
+        result = save();
+        if (result == 0) break;
+        ENV_LOGE("[ubootenv] Cannot write %s: %d.\n", deviceName(), result);
+    }
+    // A save that succeeds only on the last try is not announced; kept as it always was.
+    if (attempt < kSaveTries - 1)
+        ENV_LOGI("[ubootenv] Save ubootenv to %s succeed!\n", deviceName());
+    return result;
+}
+
+int Ubootenv::set(const char* key, const char* value, bool create) {
+    if (key == nullptr || value == nullptr) return -1;
+    size_t valueLength = strlen(value);
+    if (valueLength >= sizeof(attributes.value)) {
+        ENV_LOGE("[ubootenv] value of %zu characters is too long (at most %zu)\n", valueLength,
+                 sizeof(attributes.value) - 1);
+        return -1;
+    }
+    EnvAttribute* last = &attributes;
+    for (EnvAttribute* node = &attributes; node != nullptr; node = node->next) {
+        if (strcmp(node->key, key) == 0) {
+            memcpy(node->value, value, valueLength + 1);
+            return 2;
+        }
+        last = node;
+    }
+    if (!create) return 0;
+    size_t keyLength = strlen(key);
+    if (keyLength >= sizeof(attributes.key)) {
+        ENV_LOGE("[ubootenv] key of %zu characters is too long (at most %zu)\n", keyLength,
+                 sizeof(attributes.key) - 1);
+        return -1;
+    }
+    auto* added = static_cast<EnvAttribute*>(calloc(1, sizeof(EnvAttribute)));
+    if (added == nullptr) return -1;
+    memcpy(added->key, key, keyLength + 1);
+    memcpy(added->value, value, valueLength + 1);
+    last->next = added;
+    return 1;
+}
+
+size_t Ubootenv::formattedSize(const char* key, const char* value) const {
+    size_t position = 0;
+    size_t leftOver = 0;  // a text of 2 characters or fewer stays where the next one would go
+    auto add = [&](const char* k, const char* v) {
+        size_t length = strlen(k) + 1 + strlen(v);
+        if (length > 2) {
+            position += length + 1;
+            leftOver = 0;
+        } else {
+            leftOver = length + 1;
+        }
+    };
+    bool found = false;
+    for (const EnvAttribute* node = &attributes; node != nullptr; node = node->next) {
+        if (key != nullptr && !found && strcmp(node->key, key) == 0) {
+            add(node->key, value);
+            found = true;
+        } else {
+            add(node->key, node->value);
+        }
+    }
+    if (key != nullptr && !found) add(key, value);
+    return position + leftOver + 1;  // the empty string that ends the list
+}
+
+int Ubootenv::formatAttribute() {
+    size_t needed = formattedSize(nullptr, nullptr);
+    if (data == nullptr || needed > dataSize) {
+        ENV_LOGE("[ubootenv] env data of %zu bytes does not fit the data area (%u bytes)\n", needed,
+                 dataSize);
+        return -1;
+    }
+    memset(data, 0, dataSize);
+    char* area = reinterpret_cast<char*>(data);
+    size_t position = 0;
+    for (const EnvAttribute* node = &attributes; node != nullptr; node = node->next) {
+        int length = snprintf(area + position, dataSize - position, "%s=%s", node->key, node->value);
+        if (length > 2) {
+            position += static_cast<size_t>(length) + 1;
+        } else {
+            ENV_LOGE("[ubootenv] Invalid env data key:%s, value:%s\n", node->key, node->value);
+        }
+    }
+    return 0;
+}
+
+int Ubootenv::save() {
+    if (image == nullptr) {
+        if (!allocateImage()) {
+            ENV_LOGE("[ubootenv] Out of memory!!!\n");
+            return -5;
+        }
+        memset(image, 0, imageCapacity());
+    }
+    if (formatAttribute() < 0) return -8;
+    *crcWord = dataCrc(data, dataSize);
+
+    int fd = open(hostPath().c_str(), O_RDWR | O_CLOEXEC);
+    if (fd < 0) {
+        ENV_LOGE("[ubootenv] open devices error\n");
+        return -1;
+    }
+    lockDevice(fd, LOCK_EX);  // released by close()
+    ssize_t result = 0;
+    if (strstr(deviceName(), "mtd") != nullptr) {
+        mtd_info_user info;
+        memset(&info, 0, sizeof(info));
+        if (vesk::platform::mtdGetInfo(fd, &info) < 0) {
+            ENV_LOGE("[ubootenv] Get MTD info error\n");
+            close(fd);
+            return -4;
+        }
+        const uint64_t eraseSize = info.erasesize;
+        const uint64_t bothCopies = 2ull * partitionSize;
+        uint8_t* block = nullptr;
+        uint64_t eraseLength = bothCopies;
+        if (eraseSize > bothCopies) {
+            // Both copies share one erase block: keep the rest of the block as it is.
+            block = static_cast<uint8_t*>(malloc(eraseSize));
+            if (block == nullptr) {
+                ENV_LOGE("[ubootenv] Out of memory!!!\n");
+                close(fd);
+                return -5;
+            }
+            memset(block, 0, eraseSize);
+            if (readFully(fd, block, eraseSize) != static_cast<ssize_t>(eraseSize)) {
+                ENV_LOGE("[ubootenv] Read access failed !!!\n");
+                free(block);
+                close(fd);
+                return -6;
+            }
+            memcpy(block, image, partitionSize);
+            if (eraseSize > kCopyBOffset) {
+                memcpy(block + kCopyBOffset, image,
+                       std::min<uint64_t>(partitionSize, eraseSize - kCopyBOffset));
+            }
+            eraseLength = eraseSize;
+        }
+        erase_info_user erase;
+        memset(&erase, 0, sizeof(erase));
+        erase.start = 0;
+        erase.length = static_cast<uint32_t>(eraseLength);
+        int erased = vesk::platform::mtdErase(fd, &erase);
+        if (erased < 0) {
+            ENV_LOGE("[ubootenv] MEMERASE SYS_LOGE %d\n", erased);
+            free(block);
+            close(fd);
+            return -2;
+        }
+        if (eraseSize <= partitionSize) {
+            // Both copies are erased already: copy B is written even if copy A failed.
+            if (writeFully(fd, image, partitionSize) >= 0) syncCopy(fd);
+            off_t seek = lseek(fd, kCopyBOffset, SEEK_SET);
+            if (seek != kCopyBOffset) {
+                ENV_LOGE("[ubootenv] can not lseek, seek num = %d \n", (int)seek);
+            }
+            result = writeFully(fd, image, partitionSize);
+            if (result >= 0 && !syncCopy(fd)) result = -1;
+        } else {
+            if (lseek(fd, 0, SEEK_SET) < 0) {
+                ENV_LOGE("%s() %d: err is %d\n", __func__, __LINE__, errno);
+                free(block);
+                close(fd);
+                return -7;
+            }
+            if (block != nullptr) {
+                result = writeFully(fd, block, eraseSize);
+                if (result >= 0 && !syncCopy(fd)) result = -1;
+            } else {
+                ENV_LOGE("data is NULL\n");
+            }
+            free(block);
+        }
+    } else {
+        lseek(fd, 0, SEEK_SET);
+        result = writeFully(fd, image, partitionSize);
+        // Copy B is only touched once copy A is on the device, so that a save cut short at any
+        // point leaves one good copy: the old one in B or the new one in A.
+        if (result >= 0 && !syncCopy(fd)) result = -1;
+        if (result >= 0) {
+            off_t seek = lseek(fd, kCopyBOffset, SEEK_SET);
+            if (seek != kCopyBOffset) {
+                ENV_LOGE("[ubootenv] lseek error, seek num = %d \n", (int)seek);
+            }
+            result = writeFully(fd, image, partitionSize);
+            if (result >= 0 && !syncCopy(fd)) result = -1;
+        }
+    }
+    close(fd);
+    if (result < 0) {
+        ENV_LOGE("[ubootenv] SYS_LOGE write, size %d \n", static_cast<int>(partitionSize));
+        return -3;
+    }
+    return 0;
+}

@@ -1,0 +1,235 @@
+// The call journal: one line per board call, each kind of argument in its journal form.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
+
+#include "SimTestFiles.h"
+#include "vesksdk.h"
+#include "vesksdk_records.h"
+#include "vesksdk_sim_control.h"
+
+namespace vesk::test {
+namespace {
+
+using nlohmann::json;
+
+// The one call kept in memory, as its journal line would read.
+std::string onlyCall() {
+    std::vector<json> calls = vesk::sim::journal();
+    EXPECT_EQ(1u, calls.size());
+    if (calls.empty()) return "";
+    const json& call = calls.front();
+    return "{\"function\":" + call["function"].dump() + ",\"args\":" + call["args"].dump() +
+           ",\"return\":" + call["return"].dump() + "}";
+}
+
+TEST(JournalTest, IntArgument) {
+    vesk::sim::startJournal();
+    bi_relay_set_state(3);
+    EXPECT_EQ(R"({"function":"bi_relay_set_state","args":[3],"return":0})", onlyCall());
+}
+
+TEST(JournalTest, NegativeIntArgument) {
+    vesk::sim::startJournal();
+    bi_sysled_set_state(-7);
+    EXPECT_EQ(R"({"function":"bi_sysled_set_state","args":[-7],"return":0})", onlyCall());
+}
+
+TEST(JournalTest, UnsignedArgument) {
+    vesk::sim::startJournal();
+    bi_otg_set_mode(4294967295u);
+    EXPECT_EQ(R"({"function":"bi_otg_set_mode","args":[4294967295],"return":0})", onlyCall());
+}
+
+TEST(JournalTest, UnsignedAndSignedCharArguments) {
+    vesk::sim::startJournal();
+    bi_serial_485_open(115200, 255, 2, -1);
+    EXPECT_EQ(R"({"function":"bi_serial_485_open","args":[115200,255,2,-1],"return":0})",
+              onlyCall());
+}
+
+TEST(JournalTest, FloatArgumentIsTheDoubleItConvertsTo) {
+    unsigned char edid[VESK_EDID_SIZE];
+    vesk::sim::startJournal();
+    bi_resolution_get_edid_by_model(640, 480, edid, 59.94f);
+    EXPECT_EQ(
+        R"({"function":"bi_resolution_get_edid_by_model","args":[640,480,null,59.939998626708984],"return":0})",
+        onlyCall());
+}
+
+TEST(JournalTest, FloatResult) {
+    vesk::sim::startJournal();
+    bi_adc_get_board_voltage();
+    EXPECT_EQ(R"({"function":"bi_adc_get_board_voltage","args":[],"return":12.149999618530273})",
+              onlyCall());
+}
+
+TEST(JournalTest, StringArgument) {
+    vesk::sim::startJournal();
+    bi_watchdog_open("/dev/watchdog", 30);
+    EXPECT_EQ(R"({"function":"bi_watchdog_open","args":["/dev/watchdog",30],"return":0})",
+              onlyCall());
+}
+
+TEST(JournalTest, NullStringArgument) {
+    vesk::sim::startJournal();
+    bi_watchdog_feed(nullptr);
+    EXPECT_EQ(R"({"function":"bi_watchdog_feed","args":[null],"return":-1})", onlyCall());
+}
+
+TEST(JournalTest, InputBytes) {
+    const unsigned char data[] = {0, 1, 128, 255};
+    bi_serial_232_open(9600, 8, 1, 0);
+    vesk::sim::startJournal();
+    bi_serial_232_write(data, 4);
+    EXPECT_EQ(R"({"function":"bi_serial_232_write","args":[[0,1,128,255],4],"return":4})",
+              onlyCall());
+}
+
+TEST(JournalTest, EmptyInputBytes) {
+    vesk::sim::startJournal();
+    bi_fpga_spi_write(nullptr, 0);
+    EXPECT_EQ(R"({"function":"bi_fpga_spi_write","args":[[],0],"return":0})", onlyCall());
+}
+
+TEST(JournalTest, ExchangedBytesAreTheBytesSent) {
+    unsigned char buffer[] = {9, 8, 7};
+    vesk::sim::startJournal();
+    bi_fpga_spi_write_read(buffer, 3);
+    EXPECT_EQ(R"({"function":"bi_fpga_spi_write_read","args":[[9,8,7],3],"return":3})", onlyCall());
+}
+
+TEST(JournalTest, RtcTimeWords) {
+    unsigned int words[VESK_RTC_TIME_WORDS] = {};
+    words[0] = 4294967295u;
+    words[1] = 17;
+    words[255] = 99;
+    vesk::sim::startJournal();
+    bi_rtc_set_boot_time(words);
+    std::string expected = "[[4294967295,17";
+    for (int i = 2; i < 255; ++i) expected += ",0";
+    expected += ",99]]";
+    std::vector<json> calls = vesk::sim::journal();
+    ASSERT_EQ(1u, calls.size());
+    EXPECT_EQ(expected, calls[0]["args"].dump());
+    EXPECT_EQ(0, calls[0]["return"]);
+}
+
+TEST(JournalTest, NullRtcTimeWords) {
+    vesk::sim::startJournal();
+    bi_rtc_set_wake_time(nullptr);
+    EXPECT_EQ(R"({"function":"bi_rtc_set_wake_time","args":[null],"return":-1})", onlyCall());
+}
+
+TEST(JournalTest, OutputBufferIsNull) {
+    unsigned char buffer[4];
+    vesk::sim::startJournal();
+    bi_block_read_defined(16, buffer, 4);
+    EXPECT_EQ(R"({"function":"bi_block_read_defined","args":[16,null,4],"return":4})", onlyCall());
+}
+
+TEST(JournalTest, LogRecordIsItsBytes) {
+    vesk_log_record record{};
+    record.level[0] = 'D';
+    record.once_size[7] = '9';
+    vesk::sim::startJournal();
+    bi_vesk_logd_set_configure(&record);
+    std::vector<json> calls = vesk::sim::journal();
+    ASSERT_EQ(1u, calls.size());
+    std::vector<int> expected(216, 0);
+    expected[0] = 'D';
+    expected[215] = '9';
+    EXPECT_EQ(json::array({expected}), calls[0]["args"]);
+}
+
+TEST(JournalTest, NothingKeptBeforeStart) {
+    bi_relay_set_state(1);
+    EXPECT_TRUE(vesk::sim::journal().empty());
+    vesk::sim::startJournal();
+    bi_relay_get_state();
+    EXPECT_EQ(R"({"function":"bi_relay_get_state","args":[],"return":1})", onlyCall());
+}
+
+TEST(JournalTest, JournalOfOneFunctionAndClear) {
+    vesk::sim::startJournal();
+    bi_relay_set_state(1);
+    bi_sysled_set_state(2);
+    bi_relay_set_state(3);
+    std::vector<json> relay = vesk::sim::journalOf("bi_relay_set_state");
+    ASSERT_EQ(2u, relay.size());
+    EXPECT_EQ(json::array({1}), relay[0]["args"]);
+    EXPECT_EQ(json::array({3}), relay[1]["args"]);
+    vesk::sim::clearJournal();
+    EXPECT_TRUE(vesk::sim::journal().empty());
+    bi_relay_get_state();
+    EXPECT_EQ(1u, vesk::sim::journal().size());
+}
+
+TEST(JournalTest, FileFromEnvironmentHasExactLines) {
+    std::string path = temporaryPath("journal");
+    {
+        std::ofstream existing(path);
+        existing << "earlier\n";
+    }
+    setenv("VESK_BOARD_JOURNAL", path.c_str(), 1);
+    unsigned char edid[VESK_EDID_SIZE];
+    const unsigned char bytes[] = {1, 2};
+    bi_relay_set_state(3);
+    bi_watchdog_feed(nullptr);
+    bi_resolution_get_edid_by_model(640, 480, edid, 59.94f);
+    bi_adc_get_board_voltage();
+    bi_serial_ttl_write(bytes, 2);
+    bi_i2c_set_audio_enable(200, 1);
+    std::vector<std::string> lines = readLines(path);
+    unlink(path.c_str());
+    std::vector<std::string> expected = {
+        "earlier",
+        R"({"function":"bi_relay_set_state","args":[3],"return":0})",
+        R"({"function":"bi_watchdog_feed","args":[null],"return":-1})",
+        R"({"function":"bi_resolution_get_edid_by_model","args":[640,480,null,59.939998626708984],"return":0})",
+        R"({"function":"bi_adc_get_board_voltage","args":[],"return":12.149999618530273})",
+        R"({"function":"bi_serial_ttl_write","args":[[1,2],2],"return":-1})",
+        R"({"function":"bi_i2c_set_audio_enable","args":[200,1],"return":0})",
+    };
+    EXPECT_EQ(expected, lines);
+}
+
+TEST(JournalTest, FileAndMemoryTogether) {
+    std::string path = temporaryPath("both");
+    setenv("VESK_BOARD_JOURNAL", path.c_str(), 1);
+    vesk::sim::startJournal();
+    bi_netled_set_state(5);
+    std::vector<std::string> lines = readLines(path);
+    unlink(path.c_str());
+    EXPECT_EQ(
+        std::vector<std::string>{R"({"function":"bi_netled_set_state","args":[5],"return":0})"},
+        lines);
+    EXPECT_EQ(R"({"function":"bi_netled_set_state","args":[5],"return":0})", onlyCall());
+}
+
+TEST(JournalTest, SetJournalFile) {
+    std::string path = temporaryPath("set");
+    ASSERT_TRUE(vesk::sim::setJournalFile(path));
+    bi_cloudled_get_state();
+    std::vector<std::string> lines = readLines(path);
+    unlink(path.c_str());
+    EXPECT_EQ(
+        std::vector<std::string>{R"({"function":"bi_cloudled_get_state","args":[],"return":0})"},
+        lines);
+}
+
+TEST(JournalTest, SetJournalFileRefusesAnUnwritablePath) {
+    std::string error;
+    EXPECT_FALSE(vesk::sim::setJournalFile("/nonexistent-dir/journal", &error));
+    EXPECT_NE(std::string::npos, error.find("/nonexistent-dir/journal")) << error;
+}
+
+TEST(JournalDeathTest, UnwritableJournalFileFromEnvironmentAborts) {
+    setenv("VESK_BOARD_JOURNAL", "/nonexistent-dir/journal", 1);
+    EXPECT_DEATH(bi_relay_get_state(), "vesksdk: VESK_BOARD_JOURNAL: /nonexistent-dir/journal");
+}
+
+}  // namespace
+}  // namespace vesk::test

@@ -1,0 +1,171 @@
+/*
+ * JSON forms of the interface's values, both ways: integers and floats as numbers, strings as
+ * strings, vectors and fixed arrays as arrays, structs as objects keyed by their field names.
+ * Reading is strict: a value of the wrong type, out of its type's range, or a struct with a
+ * missing or unknown field is an ArgumentError that says what was expected.
+ */
+#pragma once
+
+#include <hidl/HidlSupport.h>
+#include <vesk/hardware/veskdevicemanager/1.0/IVeskDeviceCallback.h>
+#include <vesk/hardware/veskdevicemanager/1.0/types.h>
+
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <string>
+#include <type_traits>
+
+#include "HalTypeName.h"
+
+namespace veskdm {
+
+// Objects keep their fields in the order of the interface definition.
+using Json = nlohmann::ordered_json;
+
+// A value that cannot be read as the type asked for; the message is one line.
+class ArgumentError : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+// One command-line word as a JSON value. A word that starts like JSON (with {, [, ", - or a
+// digit) or is true, false or null must be valid JSON (objects without repeated keys); any
+// other word is taken as the string it spells.
+Json readArgumentWord(const std::string& word);
+
+// A value as it is quoted in messages (compact JSON, long values shortened).
+std::string describeValue(const Json& value);
+
+// The JSON text of a value: compact, invalid UTF-8 in strings replaced, never throwing.
+std::string dumpJson(const Json& value);
+
+// The shortest decimal that reads back as the same float ("12.15" for 12.15f).
+std::string formatFloat(float value);
+
+// ---- to JSON ----
+
+template <typename T, std::enable_if_t<std::is_integral_v<T> && !std::is_same_v<T, bool>, int> = 0>
+Json toJson(T value) {
+    return value;
+}
+Json toJson(bool value);
+Json toJson(float value);   // as formatFloat; NaN and infinities as null
+Json toJson(double value);  // shortest round trip; NaN and infinities as null
+Json toJson(const ::android::hardware::hidl_string& value);
+Json toJson(const hal::ProductInfo& value);
+Json toJson(const hal::WatchDogCfg& value);
+Json toJson(const hal::ProcessInfo& value);
+Json toJson(const hal::UsbList& value);
+Json toJson(const hal::CpuStatus& value);
+Json toJson(const hal::VeskLogInfo& value);
+Json toJson(const hal::VeskEffeResolution& value);
+Json toJson(const hal::MessageParcel& value);
+template <typename T>
+Json toJson(const ::android::hardware::hidl_vec<T>& value);
+template <typename T, size_t N>
+Json toJson(const ::android::hardware::hidl_array<T, N>& value);
+
+// ---- from JSON ----
+
+template <typename T, std::enable_if_t<std::is_integral_v<T> && !std::is_same_v<T, bool>, int> = 0>
+void fromJson(const Json& in, T& out);
+void fromJson(const Json& in, bool& out);
+void fromJson(const Json& in, float& out);  // any number that rounds to a finite float
+void fromJson(const Json& in, double& out);
+void fromJson(const Json& in, ::android::hardware::hidl_string& out);
+void fromJson(const Json& in, hal::ProductInfo& out);
+void fromJson(const Json& in, hal::WatchDogCfg& out);
+void fromJson(const Json& in, hal::ProcessInfo& out);
+void fromJson(const Json& in, hal::UsbList& out);
+void fromJson(const Json& in, hal::CpuStatus& out);
+void fromJson(const Json& in, hal::VeskLogInfo& out);
+void fromJson(const Json& in, hal::VeskEffeResolution& out);
+void fromJson(const Json& in, hal::MessageParcel& out);
+// null: no callback; "callback": a LocalDeviceCallback of this process.
+void fromJson(const Json& in, ::android::sp<hal::IVeskDeviceCallback>& out);
+template <typename T>
+void fromJson(const Json& in, ::android::hardware::hidl_vec<T>& out);
+template <typename T, size_t N>
+void fromJson(const Json& in, ::android::hardware::hidl_array<T, N>& out);
+
+// ---- templates ----
+
+namespace detail {
+[[noreturn]] void throwNotInteger(const std::string& type, long long min, unsigned long long max,
+                                  const Json& in);
+[[noreturn]] void throwNotArray(const Json& in);
+[[noreturn]] void rethrowAtIndex(size_t index, const ArgumentError& error);
+}  // namespace detail
+
+template <typename T, std::enable_if_t<std::is_integral_v<T> && !std::is_same_v<T, bool>, int>>
+void fromJson(const Json& in, T& out) {
+    // Widening int8_t keeps its sign, as wanted here.
+    constexpr long long min = static_cast<long long>(
+        std::numeric_limits<T>::min());  // NOLINT(bugprone-signed-char-misuse)
+    constexpr unsigned long long max =
+        static_cast<unsigned long long>(std::numeric_limits<T>::max());
+    // The parser keeps non-negative integers unsigned and negative ones signed.
+    if (in.is_number_unsigned()) {
+        unsigned long long value = in.get<unsigned long long>();
+        if (value <= max) {
+            out = static_cast<T>(value);
+            return;
+        }
+    } else if (in.is_number_integer()) {
+        long long value = in.get<long long>();
+        if (value >= min) {
+            out = static_cast<T>(value);
+            return;
+        }
+    }
+    detail::throwNotInteger(halTypeName<T>(), min, max, in);
+}
+
+template <typename T>
+Json toJson(const ::android::hardware::hidl_vec<T>& value) {
+    Json out = Json::array();
+    for (const T& element : value) out.push_back(toJson(element));
+    return out;
+}
+
+template <typename T, size_t N>
+Json toJson(const ::android::hardware::hidl_array<T, N>& value) {
+    Json out = Json::array();
+    for (size_t i = 0; i < N; ++i) out.push_back(toJson(value[i]));
+    return out;
+}
+
+template <typename T>
+void fromJson(const Json& in, ::android::hardware::hidl_vec<T>& out) {
+    if (!in.is_array()) detail::throwNotArray(in);
+    ::android::hardware::hidl_vec<T> result(in.size());
+    for (size_t i = 0; i < in.size(); ++i) {
+        try {
+            fromJson(in[i], result[i]);
+        } catch (const ArgumentError& error) {
+            detail::rethrowAtIndex(i, error);
+        }
+    }
+    out = std::move(result);
+}
+
+template <typename T, size_t N>
+void fromJson(const Json& in, ::android::hardware::hidl_array<T, N>& out) {
+    if (!in.is_array()) detail::throwNotArray(in);
+    if (in.size() != N) {
+        throw ArgumentError("expected an array of " + std::to_string(N) + " elements, got " +
+                            std::to_string(in.size()));
+    }
+    ::android::hardware::hidl_array<T, N> result;
+    for (size_t i = 0; i < N; ++i) {
+        try {
+            fromJson(in[i], result[i]);
+        } catch (const ArgumentError& error) {
+            detail::rethrowAtIndex(i, error);
+        }
+    }
+    out = result;
+}
+
+}  // namespace veskdm
