@@ -9,8 +9,9 @@ using ::android::hardware::hidl_vec;
 int32_t open(const SerialChannel& channel, const char* method, int32_t baudrate, uint8_t databits,
              uint8_t stopbits, int8_t parity) {
     // The full-width colons are part of the line as the board's log readers know it.
-    vesk::log::debug(kTag, "%s %d baudrate :%d databits:%d \xEF\xBC\x9Astopbits:%d  parity\xEF\xBC\x9A%d\n",
-                     method, channel.line.open, baudrate, databits, stopbits, parity);
+    vesk::log::debug(
+        kTag, "%s %d baudrate :%d databits:%d \xEF\xBC\x9Astopbits:%d  parity\xEF\xBC\x9A%d\n",
+        method, channel.line.open, baudrate, databits, stopbits, parity);
     int ret = channel.open(baudrate, databits, stopbits, parity);
     vesk::log::debug(kTag, "%s: ret = %d\n", method, ret);
     return ret;
@@ -74,12 +75,12 @@ void nonBlockingRead(const SerialChannel& channel, const char* method, uint32_t 
         case NonBlockingReport::kSizeLine:
             if (!negative && count < dataSize) {
                 data.resize(count);
-                vesk::log::debug(kTag, "bytes_read >= 0 %s %d data_size:%d timeout_ms:%d\n",
-                                 method, channel.line.nonBlockingCount, dataSize, 0);
+                vesk::log::debug(kTag, "bytes_read >= 0 %s %d data_size:%d timeout_ms:%d\n", method,
+                                 channel.line.nonBlockingCount, dataSize, 0);
             } else if (negative) {
                 data.resize(0);
-                vesk::log::debug(kTag, "bytes_read < 0 %s %d data_size:%d timeout_ms:%d\n",
-                                 method, channel.line.nonBlockingNegative, dataSize, 0);
+                vesk::log::debug(kTag, "bytes_read < 0 %s %d data_size:%d timeout_ms:%d\n", method,
+                                 channel.line.nonBlockingNegative, dataSize, 0);
             }
             break;
     }

@@ -49,8 +49,8 @@ Return<void> VeskDeviceManager::readBlockDataScreen(uint32_t length, uint32_t of
     hidl_vec<uint8_t> data(length);
     int ret = bi_block_read_screen(offset, data.data(), length);
     if (ret < 0) {
-        vesk::log::error(kTag, "%s: bi_block_read_screen failed. ret = %d\n",
-                         "readBlockDataScreen", ret);
+        vesk::log::error(kTag, "%s: bi_block_read_screen failed. ret = %d\n", "readBlockDataScreen",
+                         ret);
         data.resize(0);
     }
     _hidl_cb(data);

@@ -16,8 +16,7 @@ constexpr int kMaxListRecords = VESK_RESOLUTION_LIST_BYTES / sizeof(vesk_resolut
 
 }  // namespace
 
-Return<void> VeskDeviceManager::getResolutionParametersList(
-        getResolutionParametersList_cb _hidl_cb) {
+Return<void> VeskDeviceManager::getResolutionParametersList(getResolutionParametersList_cb _hidl_cb) {
     vesk_resolution_record records[kMaxListRecords];
     memset(records, 0, sizeof(records));
     int count = bi_resolution_get_parameters_list(records);
@@ -40,8 +39,7 @@ Return<void> VeskDeviceManager::getResolutionParametersList(
 
 // On failure the 256 bytes go back as the board left them (unlike getEdidByModel).
 Return<void> VeskDeviceManager::getEdidFromDefined(uint8_t index, uint16_t width, uint16_t height,
-                                                   float refresh,
-                                                   getEdidFromDefined_cb _hidl_cb) {
+                                                   float refresh, getEdidFromDefined_cb _hidl_cb) {
     hidl_vec<uint8_t> edid(VESK_EDID_SIZE);
     trace("getEdidFromDefined", 1316);
     if (bi_resolution_get_edid_from_defined(index, width, height, edid.data(), refresh) < 0) {
@@ -74,7 +72,8 @@ Return<void> VeskDeviceManager::getResolutionByEdid(const hidl_vec<uint8_t>& edi
     } else {
         int ret = bi_resolution_get_prefferred_timing_by_edid(edid.data(), &record);
         if (ret < 0) {
-            vesk::log::error(kTag, "%s: bi_resolution_get_prefferred_timing_by_edid failed, ret = %d",
+            vesk::log::error(kTag,
+                             "%s: bi_resolution_get_prefferred_timing_by_edid failed, ret = %d",
                              "getResolutionByEdid", ret);
         } else {
             vesk::log::debug(kTag, "%s: width = %u height = %u fps = %u\n", "getResolutionByEdid",
