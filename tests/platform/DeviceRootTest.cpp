@@ -39,6 +39,7 @@ TEST_F(DeviceRootTest, PathsStayBelowTheRoot) {
     EXPECT_EQ(root.path() + "/dev/block/env", vesk::platform::devicePath("/dev/block/env"));
     EXPECT_EQ(root.path() + "/etc/passwd", vesk::platform::devicePath("/../../etc/passwd"));
     EXPECT_EQ(root.path() + "/data/x", vesk::platform::devicePath("data/./y/../x"));
+    EXPECT_EQ("", vesk::platform::devicePath(""));
 }
 
 TEST_F(DeviceRootTest, CommandsRunTheRootsStandIns) {

@@ -144,5 +144,16 @@ TEST_F(NamedBlockTest, APathThatExistsOnlyOutsideTheDeviceRootIsMissing) {
     EXPECT_EQ(LogLines{errorLine("writeBlockData: /etc not exist\n")}, capturedLog());
 }
 
+TEST_F(NamedBlockTest, AnEmptyPathIsMissing) {
+    EXPECT_EQ(0, int32_t(service->writeBlockData("", 0, 0, {1})));
+    std::vector<uint8_t> read = {9};
+    service->readBlockData("", 0, 4, [&](const hidl_vec<uint8_t>& data) { read = data; });
+    EXPECT_TRUE(read.empty());
+    EXPECT_TRUE(calls().empty());
+    EXPECT_EQ((LogLines{errorLine("writeBlockData:  not exist\n"),
+                        errorLine("readBlockData:  not exist\n")}),
+              capturedLog());
+}
+
 }  // namespace
 }  // namespace vesk::test

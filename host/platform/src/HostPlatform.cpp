@@ -76,7 +76,9 @@ int runCommand(const char* commandLine) {
     return system(host::hostCommandLine(commandLine, host::deviceRoot()).c_str());
 }
 
+// An empty path names nothing, on the device as here; it must not map to the root itself.
 std::string devicePath(const char* path) {
+    if (path == nullptr || path[0] == '\0') return std::string();
     return host::pathBelowRoot(host::deviceRoot(), path);
 }
 
