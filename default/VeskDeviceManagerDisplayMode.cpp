@@ -25,8 +25,9 @@ constexpr unsigned kComputedModels = (1u << (8470 - kFirstModel)) | (1u << (8475
                                      (1u << (8476 - kFirstModel)) | (1u << (8478 - kFirstModel));
 
 bool computesOutputMode(int modelId) {
-    int bit = modelId - kFirstModel;
-    return bit >= 0 && bit < 32 && (kComputedModels >> bit) & 1u;
+    // Range first: a model text such as "-2147483648" must not overflow the subtraction.
+    if (modelId < kFirstModel || modelId > kFirstModel + 31) return false;
+    return (kComputedModels >> (modelId - kFirstModel)) & 1u;
 }
 
 // The product's model number: the decimal text at byte 64 of a fresh product record.

@@ -14,8 +14,8 @@ namespace vesk::hardware::veskdevicemanager::implementation {
 
 inline constexpr size_t kCustomModeBufferSize = 512;
 
-// Truncates toward zero as the boot loader's readers expect; a value that is not finite or does
-// not fit in 32 bits (a zero pixel clock gives infinite frequencies) is stored as 0.
+// Truncates toward zero as the boot loader's readers expect; a value that is not finite (a
+// timing with zero totals) or does not fit in 32 bits is stored as 0.
 int32_t truncateToInt32(double value);
 
 // Writes the custom mode string of `timing` into `buffer` (cleared first). `gcdOf` reduces the

@@ -29,13 +29,21 @@ constexpr allow_list_t kAllowList[] = {
         {8478, 800, 4096, 600, 4096, 8847360, 594000},
 };
 
+// Signed remainders, as C's %: the result keeps the signs it is given. A divisor of -1 always
+// leaves 0 (INT_MIN % -1 would trap).
 int euclid(int a, int b) {
     while (b != 0) {
-        int r = a % b;
+        int r = b == -1 ? 0 : a % b;
         a = b;
         b = r;
     }
     return a;
+}
+
+// a / g, truncating; INT_MIN / -1 wraps to INT_MIN as the target's divide gives it.
+int quotient(int a, int g) {
+    if (g == -1) return static_cast<int>(0u - static_cast<unsigned>(a));
+    return a / g;
 }
 
 // Copies `text` into a cleared buffer with a bounded format; text that would not fit ends the
@@ -119,8 +127,8 @@ int DisplayModeControl::getAspectRadio(int width, int height, int& num, int& den
         vesk::log::error(kTag, "%s error\n", "getAspectRadio");
         return -1;
     }
-    num = width / g;
-    den = height / g;
+    num = quotient(width, g);
+    den = quotient(height, g);
     return 0;
 }
 
