@@ -418,7 +418,9 @@ int Ubootenv::updateValue(const char* name, const char* value) {
     const char* key;
     if (name != nullptr && strcmp(name, "ubootenv.var.bootcmd") == 0) {
         key = "bootcmd";
-    } else if (isEnv(name)) {
+    } else if (isEnv(name) && strchr(name, '=') == nullptr) {
+        // A key holding '=' would be read back as another key (the first '=' ends a key), as
+        // the boot loader's own tools refuse it.
         key = name + strlen(PROFIX_UBOOTENV_VAR);
     } else {
         ENV_LOGE("[ubootenv] %s is not a ubootenv variable.\n", name != nullptr ? name : "(null)");

@@ -54,9 +54,9 @@ class Ubootenv {
     int reInit();
 
     // Stores `value` for `name` (with prefix) and saves when it changed: 0; -1 not loaded;
-    // -2 not an environment name (or a key of 256 characters or more); -5 no memory for a new
-    // variable; -8 the value is longer than 4095 characters or the list would not fit the data
-    // area; else the save's code.
+    // -2 not an environment name (or a key of 256 characters or more, or one holding '='); -5 no
+    // memory for a new variable; -8 the value is longer than 4095 characters or the list would not
+    // fit the data area; else the save's code.
     int updateValue(const char* name, const char* value);
     // Changes the list in memory: 2 changed, 1 appended, 0 not found and !create; -1 refused
     // (a key of 256 characters or more, or a value of 4096 or more).

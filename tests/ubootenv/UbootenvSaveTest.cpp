@@ -123,6 +123,22 @@ TEST_F(UbootenvSaveTest, OtherNamesWithoutThePrefixAreRejected) {
         takeEnvLog());
 }
 
+// "a=b" stored as a key would load back as the key "a" with a value starting "b=", shadowing or
+// replacing another variable; such a name is refused and nothing is written.
+TEST_F(UbootenvSaveTest, ANameWhoseKeyHoldsAnEqualsSignIsRejected) {
+    Ubootenv env;
+    takeEnvLog();
+    std::string before = readDevice(kEnvDevice);
+    EXPECT_EQ(-2, env.updateValue("ubootenv.var.hdmimode=720p60hz", "x"));
+    EXPECT_EQ(before, readDevice(kEnvDevice));
+    EXPECT_EQ(factoryVariables(), attributeList(env));
+    EXPECT_EQ(
+            (EnvLogs{updateLine("ubootenv.var.hdmimode=720p60hz", "x"),
+                     {kError, "updateValue",
+                      "[ubootenv] ubootenv.var.hdmimode=720p60hz is not a ubootenv variable.\n"}}),
+            takeEnvLog());
+}
+
 // Edge case: after a save the copies are the same bytes, each with its CRC.
 TEST_F(UbootenvSaveTest, BothCopiesAreIdenticalAndVerifyAfterASave) {
     std::string copyA = envCopy(dataArea(envStrings(factoryVariables())));
