@@ -216,6 +216,20 @@ TEST(JournalTest, SetJournalFile) {
         lines);
 }
 
+// A path is any bytes; the journal line stays valid JSON, with U+FFFD for the bytes that are not
+// UTF-8, and the call goes on.
+TEST(JournalTest, StringArgumentThatIsNotUtf8) {
+    std::string path = temporaryPath("utf8");
+    ASSERT_TRUE(vesk::sim::setJournalFile(path));
+    bi_block_check("/data/\xff\xfe.bin");
+    std::vector<std::string> lines = readLines(path);
+    unlink(path.c_str());
+    ASSERT_EQ(1u, lines.size());
+    json line = json::parse(lines[0]);
+    EXPECT_EQ("bi_block_check", line["function"]);
+    EXPECT_EQ(json::array({"/data/\xef\xbf\xbd\xef\xbf\xbd.bin"}), line["args"]);
+}
+
 TEST(JournalTest, SetJournalFileRefusesAnUnwritablePath) {
     std::string error;
     EXPECT_FALSE(vesk::sim::setJournalFile("/nonexistent-dir/journal", &error));
