@@ -4,6 +4,7 @@
 #include <unistd.h>
 #include <vesksdk.h>
 
+#include "BoardInput.h"
 #include "ServiceTrace.h"
 #include "VeskDeviceManager.h"
 #include "VeskPlatform.h"
@@ -71,7 +72,8 @@ Return<int32_t> VeskDeviceManager::loadFPGAParamBlockData() {
 Return<int32_t> VeskDeviceManager::setFPGAProgramBlockData(const hidl_vec<uint8_t>& data,
                                                            uint32_t length, uint32_t offset) {
     trace("setFPGAProgramBlockData", 812);
-    return bi_block_write_fpga_program(offset, data.data(), length);
+    // The board reads `length` bytes: past a shorter vector it reads zeros.
+    return bi_block_write_fpga_program(offset, BoardInput<uint8_t>(data, length).data(), length);
 }
 
 Return<void> VeskDeviceManager::getFPGAProgramBlockData(uint32_t length, uint32_t offset,

@@ -1,9 +1,12 @@
 /*
  * The simple methods: trace, one board call with the arguments unchanged, its result returned
- * unchanged. Nothing here checks a range; the board library decides.
+ * unchanged. Nothing here checks a range; the board library decides. A time shorter than the
+ * board reads is padded with zeros (BoardInput.h).
  */
 #include <vesksdk.h>
+#include <vesksdk_records.h>
 
+#include "BoardInput.h"
 #include "ServiceTrace.h"
 #include "VeskDeviceManager.h"
 
@@ -216,7 +219,8 @@ Return<int32_t> VeskDeviceManager::getFactoryToolStatus() {
 }
 
 Return<int32_t> VeskDeviceManager::setPeripheralRelayStatus(uint32_t dev_num, int32_t enable) {
-    vesk::log::debug(kTag, "%s %d, dev_num = %d, enable = %d\n", "setPeripheralRelayStatus", 1101, dev_num, enable);
+    vesk::log::debug(kTag, "%s %d, dev_num = %d, enable = %d\n", "setPeripheralRelayStatus", 1101,
+                     dev_num, enable);
     return bi_peripheral_relay_enable(dev_num, enable);
 }
 
@@ -256,7 +260,8 @@ Return<int32_t> VeskDeviceManager::getNetWorkState() {
     return state;
 }
 
-Return<int32_t> VeskDeviceManager::compressVeskLog(const hidl_string& source, const hidl_string& target) {
+Return<int32_t> VeskDeviceManager::compressVeskLog(const hidl_string& source,
+                                                   const hidl_string& target) {
     trace("compressVeskLog", 1457);
     return bi_vesk_logd_compress(source.c_str(), target.c_str());
 }
@@ -298,12 +303,12 @@ Return<int32_t> VeskDeviceManager::setRtcWakeEnable(uint32_t enable) {
 
 Return<int32_t> VeskDeviceManager::setRtcBootTime(const hidl_vec<uint32_t>& time) {
     trace("setRtcBootTime", 1175);
-    return bi_rtc_set_boot_time(time.data());
+    return bi_rtc_set_boot_time(BoardInput<uint32_t>(time, VESK_RTC_SET_WORDS).data());
 }
 
 Return<int32_t> VeskDeviceManager::setRtcWakeTime(const hidl_vec<uint32_t>& time) {
     trace("setRtcWakeTime", 1181);
-    return bi_rtc_set_wake_time(time.data());
+    return bi_rtc_set_wake_time(BoardInput<uint32_t>(time, VESK_RTC_SET_WORDS).data());
 }
 
 Return<int32_t> VeskDeviceManager::getAdcBoardId() {

@@ -77,6 +77,15 @@ TEST_F(BlockDataTest, FpgaProgramWriteWithAShorterLengthPassesOnlyThatLength) {
     EXPECT_EQ(json::array({64, json::array({9, 8, 7}), 3}), board[0]["args"]);
 }
 
+// The board reads `length` bytes; past a shorter vector it must read zeros, never the
+// service's memory.
+TEST_F(BlockDataTest, FpgaProgramWriteWithALongerLengthPassesZerosPastTheVector) {
+    script({{"bi_block_write_fpga_program", {{"return", 5}}}});
+    EXPECT_EQ(5, int32_t(service->setFPGAProgramBlockData({9, 8}, 5, 16)));
+    EXPECT_EQ(json::array({16, json::array({9, 8, 0, 0, 0}), 5}),
+              callsOf("bi_block_write_fpga_program")[0]["args"]);
+}
+
 TEST_F(BlockDataTest, FpgaProgramWriteReturnsABoardFailureUnchanged) {
     script({{"bi_block_write_fpga_program", {{"return", -22}}}});
     EXPECT_EQ(-22, int32_t(service->setFPGAProgramBlockData({1, 2}, 2, 0)));

@@ -103,6 +103,23 @@ TEST_F(ForwardingSpecialTest, EmptyRtcTimeVectorPassesItsNullDataPointer) {
     EXPECT_EQ(json::array({nullptr}), board[0]["args"]);
 }
 
+// The board reads six words of a time; a shorter time must not let it read past the client's
+// vector into the service's memory, so the missing words are zeros.
+TEST_F(ForwardingSpecialTest, ShortRtcTimesAreFilledUpWithZerosForTheBoard) {
+    EXPECT_EQ(0, int32_t(service->setRtcBootTime(hidl_vec<uint32_t>{2024, 5, 17})));
+    EXPECT_EQ(0, int32_t(service->setRtcWakeTime(hidl_vec<uint32_t>{7})));
+    EXPECT_EQ(json::array({json::array({2024, 5, 17, 0, 0, 0})}),
+              callsOf("bi_rtc_set_boot_time")[0]["args"]);
+    EXPECT_EQ(json::array({json::array({7, 0, 0, 0, 0, 0})}),
+              callsOf("bi_rtc_set_wake_time")[0]["args"]);
+}
+
+TEST_F(ForwardingSpecialTest, LongRtcTimesPassTheirOwnWords) {
+    EXPECT_EQ(0, int32_t(service->setRtcBootTime(hidl_vec<uint32_t>{2024, 5, 17, 8, 30, 0, 99})));
+    EXPECT_EQ(json::array({json::array({2024, 5, 17, 8, 30, 0})}),
+              callsOf("bi_rtc_set_boot_time")[0]["args"]);
+}
+
 TEST_F(ForwardingSpecialTest, VideoInputVolumeReusesTheAudioWording) {
     setLevel("D");
     service->setVideoInputSrcVolume(2, 200);
