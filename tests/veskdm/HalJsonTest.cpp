@@ -129,6 +129,15 @@ TEST(Integers, Uint8Range) {
               "expected an integer from 0 to 255 (uint8_t), got -1 (out of range)");
 }
 
+TEST(Integers, Int16Range) {
+    EXPECT_EQ(read<int16_t>("-32768"), -32768);
+    EXPECT_EQ(read<int16_t>("32767"), 32767);
+    EXPECT_EQ(errorOf<int16_t>("32768"),
+              "expected an integer from -32768 to 32767 (int16_t), got 32768 (out of range)");
+    EXPECT_EQ(errorOf<int16_t>("-32769"),
+              "expected an integer from -32768 to 32767 (int16_t), got -32769 (out of range)");
+}
+
 TEST(Integers, Uint16Range) {
     EXPECT_EQ(read<uint16_t>("65535"), 65535);
     EXPECT_EQ(errorOf<uint16_t>("65536"),

@@ -1,0 +1,255 @@
+// Every kind of bad input to veskdm, for every kind of argument the interface has, run against
+// the real implementation library on the simulated board: exit status 2, exactly one line on
+// stderr, nothing on stdout, no board call (the journal is never created) and the device root
+// left byte for byte as it was.
+#include <dirent.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <map>
+
+#include "RunVeskdm.h"
+
+namespace veskdm::test {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+struct BadInput {
+    const char* name;
+    // "{root}", "{journal}", "{file}" and "{dir}" are replaced by the test's paths. Without a
+    // --root of their own, the words follow --root {root} --board-journal {journal}.
+    std::vector<std::string> args;
+    const char* message;  // part of the one line on stderr
+    const char* input = "";
+};
+
+void PrintTo(const BadInput& bad, std::ostream* os) {
+    *os << bad.name;
+}
+
+// path -> content (directories as "<dir>"), below `dir`.
+void snapshot(const std::string& dir, std::map<std::string, std::string>& files) {
+    DIR* d = opendir(dir.c_str());
+    if (d == nullptr) return;
+    while (dirent* entry = readdir(d)) {
+        std::string name = entry->d_name;
+        if (name == "." || name == "..") continue;
+        std::string path = dir + "/" + name;
+        struct stat st;
+        if (lstat(path.c_str(), &st) != 0) continue;
+        if (S_ISDIR(st.st_mode)) {
+            files[path] = "<dir>";
+            snapshot(path, files);
+        } else {
+            files[path] = vesk::test::readFile(path);
+        }
+    }
+    closedir(d);
+}
+
+class BadInputTest : public ::testing::TestWithParam<BadInput> {
+  protected:
+    BadInputTest() {
+        // The program's input, error and the test's files live outside the root.
+        char pattern[] = "/tmp/veskdm-bad-XXXXXX";
+        work = mkdtemp(pattern);
+        vesk::test::writeFile(work + "/file", "not a directory\n");
+        mkdir((work + "/dir").c_str(), 0755);
+    }
+    ~BadInputTest() override { vesk::test::runCommand("rm -rf " + shellQuote(work)); }
+
+    std::string expand(const std::string& word) const {
+        std::string out = word;
+        const std::pair<std::string, std::string> names[] = {{"{root}", root.path()},
+                                                             {"{journal}", work + "/journal.jsonl"},
+                                                             {"{file}", work + "/file"},
+                                                             {"{dir}", work + "/dir"}};
+        for (const auto& [key, value] : names) {
+            for (size_t at; (at = out.find(key)) != std::string::npos;)
+                out.replace(at, key.size(), value);
+        }
+        return out;
+    }
+
+    Outcome run(const BadInput& bad) const {
+        std::vector<std::string> args = bad.args;
+        bool ownRoot = std::find(args.begin(), args.end(), "--root") != args.end();
+        if (!ownRoot)
+            args.insert(args.begin(), {"--root", "{root}", "--board-journal", "{journal}"});
+        vesk::test::writeFile(work + "/stdin", bad.input);
+        std::string command =
+                "VESK_IMPL_LIB= VESK_BOARD_SCRIPT= VESK_BOARD_JOURNAL= " VESK_BINARY_DIR
+                "/bin/veskdm";
+        for (const std::string& arg : args) command += " " + shellQuote(expand(arg));
+        command += " < " + shellQuote(work + "/stdin") + " 2> " + shellQuote(work + "/stderr");
+        Outcome outcome;
+        outcome.out = vesk::test::runCommand(command, &outcome.status);
+        outcome.err = vesk::test::readFile(work + "/stderr");
+        return outcome;
+    }
+
+    vesk::test::TempRoot root;
+    std::string work;
+};
+
+TEST_P(BadInputTest, StatusTwoOneLineNothingCalledNothingWritten) {
+    const BadInput& bad = GetParam();
+    std::map<std::string, std::string> before;
+    snapshot(root.path(), before);
+
+    Outcome outcome = run(bad);
+
+    EXPECT_EQ(2, outcome.status);
+    ASSERT_EQ(1u, outcome.errLines().size()) << outcome.err;
+    EXPECT_THAT(outcome.err, StartsWith("veskdm: "));
+    EXPECT_THAT(outcome.err, HasSubstr(expand(bad.message)));
+    EXPECT_EQ("", outcome.out);
+    // No board call: the journal was never opened, so it does not exist.
+    struct stat st;
+    EXPECT_NE(0, stat((work + "/journal.jsonl").c_str(), &st));
+    std::map<std::string, std::string> after;
+    snapshot(root.path(), after);
+    EXPECT_EQ(before, after);
+}
+
+const char kLogInfo[] =
+        R"({"level": "D", "base": "/data/log", "mode": "ring", "total_size": "64M", "once_size": "4M"})";
+
+const BadInput kBadInputs[] = {
+        // ---- the method ----
+        {"UnknownMethod", {"call", "getSysLed"}, "unknown method \"getSysLed\""},
+        {"MissingMethod", {"call"}, "METHOD is required"},
+        {"UnknownCommand", {"calls", "getSysLedState"}, "A subcommand is required"},
+        {"UnknownGlobalOption", {"--bogus", "call", "getSysLedState"}, "--bogus"},
+        // ---- the number of arguments ----
+        {"ArgumentToAMethodWithout", {"call", "getSysLedState", "1"}, "takes no arguments, got 1"},
+        {"TooFewArguments", {"call", "setColorLedState", "1", "2"}, "takes 3 arguments"},
+        {"TooManyArguments", {"call", "setColorLedState", "1", "2", "3", "4"}, "takes 3 arguments"},
+        {"ArgumentToACallbackMethod", {"call", "getCpuStatus", "1"}, "takes no arguments, got 1"},
+        {"MissingArgumentBeforeACallback", {"call", "readSpiFpga"}, "takes 1 argument"},
+        // ---- int32_t ----
+        {"Int32AboveRange", {"call", "setSysLedState", "2147483648"}, "(int32_t state)"},
+        {"Int32BelowRange", {"call", "setSysLedState", "-2147483649"}, "(int32_t state)"},
+        {"Int32FromAWord", {"call", "setSysLedState", "on"}, "(int32_t state)"},
+        {"Int32FromTrue", {"call", "setSysLedState", "true"}, "(int32_t state)"},
+        {"Int32FromNull", {"call", "setSysLedState", "null"}, "(int32_t state)"},
+        {"Int32FromAnArray", {"call", "setSysLedState", "[1]"}, "(int32_t state)"},
+        {"Int32FromAFraction", {"call", "setSysLedState", "1.5"}, "not an integer"},
+        {"Int32FromAWholeFloat", {"call", "setSysLedState", "3.0"}, "written with a fraction"},
+        // ---- uint32_t ----
+        {"Uint32Negative", {"call", "setUsbState", "-1", "1"}, "(uint32_t index)"},
+        {"Uint32AboveRange", {"call", "setUsbState", "0", "4294967296"}, "(uint32_t enable)"},
+        // ---- uint8_t ----
+        {"Uint8AboveRange", {"call", "setAudioEnable", "256", "1"}, "(uint8_t channel)"},
+        {"Uint8Negative", {"call", "setAudioEnable", "1", "-1"}, "(uint8_t enable)"},
+        // ---- int8_t ----
+        {"Int8AboveRange",
+         {"call", "openSerialPort485", "9600", "8", "1", "128"},
+         "(int8_t parity)"},
+        {"Int8BelowRange",
+         {"call", "openSerialPort485", "9600", "8", "1", "-129"},
+         "(int8_t parity)"},
+        // ---- uint16_t ----
+        {"Uint16AboveRange", {"call", "getEdidByModel", "65536", "1080", "60"}, "(uint16_t width)"},
+        {"Uint16Negative", {"call", "getEdidByModel", "1920", "-1", "60"}, "(uint16_t height)"},
+        // ---- float ----
+        {"FloatAboveRange", {"call", "getEdidByModel", "1920", "1080", "1e39"}, "(float refresh)"},
+        {"FloatBelowRange",
+         {"call", "getEdidByModel", "1920", "1080", "-3.5e38"},
+         "(float refresh)"},
+        {"FloatFromAWord", {"call", "getEdidByModel", "1920", "1080", "sixty"}, "(float refresh)"},
+        // ---- string ----
+        {"StringFromANumber", {"call", "startWatchDog", "5", "30"}, "(string device)"},
+        {"StringFromAnArray", {"call", "checkBlock", "[\"/dev/a\"]"}, "(string path)"},
+        // ---- vec<uint8_t> ----
+        {"BytesFromAWord", {"call", "writeSpiFpga", "data"}, "expected an array"},
+        {"ByteAboveRange", {"call", "writeSpiFpga", "[1, 256]"}, "(vec<uint8_t> data)"},
+        {"ByteNegative", {"call", "writeSpiFpga", "[-1]"}, "(vec<uint8_t> data)"},
+        {"ByteFraction", {"call", "writeSerialPort232", "[1.5]"}, "(vec<uint8_t> data)"},
+        {"BytesFromAnObject", {"call", "writeSerialPort232", "{\"a\": 1}"}, "expected an array"},
+        // ---- vec<uint32_t> ----
+        {"WordAboveRange", {"call", "setRtcBootTime", "[2024, 4294967296]"}, "(vec<uint32_t> time)"},
+        // ---- struct ----
+        {"StructMissingField",
+         {"call", "setVeskLogConfigure",
+          R"({"level": "D", "base": "b", "mode": "m", "total_size": "1"})"},
+         "missing field \"once_size\""},
+        {"StructUnknownField",
+         {"call", "setVeskLogConfigure",
+          R"({"level": "D", "base": "b", "mode": "m", "total_size": "1", "once_size": "2", "x": "3"})"},
+         "unknown field \"x\""},
+        {"StructRepeatedField",
+         {"call", "setVeskLogConfigure",
+          R"({"level": "D", "level": "E", "base": "b", "mode": "m", "total_size": "1", "once_size": "2"})"},
+         "(VeskLogInfo info)"},
+        {"StructFieldOfTheWrongType",
+         {"call", "setVeskLogConfigure",
+          R"({"level": 1, "base": "b", "mode": "m", "total_size": "1", "once_size": "2"})"},
+         "field \"level\""},
+        {"StructFromAnArray",
+         {"call", "setVeskLogConfigure", "[1, 2, 3, 4, 5]"},
+         "(VeskLogInfo info)"},
+        // ---- the callback object ----
+        {"CallbackFromAWord",
+         {"call", "hwRegistCallback", "maybe"},
+         "(IVeskDeviceCallback callback)"},
+        {"CallbackFromANumber", {"call", "hwRegistCallback", "1"}, "(IVeskDeviceCallback callback)"},
+        // ---- malformed JSON ----
+        {"LeadingZero", {"call", "setSysLedState", "01"}, "unreadable JSON"},
+        {"LoneMinus", {"call", "setSysLedState", "-"}, "unreadable JSON"},
+        {"ExponentWithoutDigits", {"call", "setSysLedState", "1e"}, "unreadable JSON"},
+        {"UnclosedArray", {"call", "writeSpiFpga", "[1,"}, "unreadable JSON"},
+        {"UnclosedObject", {"call", "setVeskLogConfigure", "{"}, "unreadable JSON"},
+        {"UnclosedString", {"call", "startWatchDog", "\"/dev/watchdog", "30"}, "unreadable JSON"},
+        {"TrailingText", {"call", "setSysLedState", "1 2"}, "unreadable JSON"},
+        // ---- shell: one bad line, one line on stderr ----
+        {"ShellBadLine", {"shell"}, "line 1: ", "setSysLedState on\n"},
+        {"ShellUnbalancedBracket", {"shell"}, "line 1: ", "writeSpiFpga [1, 2\n"},
+        // ---- the device root ----
+        {"EmptyRoot", {"--root", "", "call", "getSysLedState"}, "--root"},
+        {"RootIsAFile", {"--root", "{file}", "call", "getSysLedState"}, "is not a directory"},
+        {"RootBelowAFile", {"--root", "{file}/root", "call", "getSysLedState"}, "cannot create"},
+        {"RootWithoutItsValue", {"--root"}, "--root"},
+        // ---- the board script and journal ----
+        {"MissingScript",
+         {"--root", "{root}", "--board-script", "{dir}/missing.json", "call", "getSysLedState"},
+         "board script {dir}/missing.json: cannot be read"},
+        {"ScriptIsADirectory",
+         {"--root", "{root}", "--board-script", "{dir}", "call", "getSysLedState"},
+         "is a directory"},
+        {"ScriptIsNotJson",
+         {"--root", "{root}", "--board-script", "{file}", "call", "getSysLedState"},
+         "unreadable JSON"},
+        {"JournalInAMissingDirectory",
+         {"--root", "{root}", "--board-journal", "{dir}/missing/journal", "call", "getSysLedState"},
+         "is not a writable directory"},
+        {"JournalIsADirectory",
+         {"--root", "{root}", "--board-journal", "{dir}", "call", "getSysLedState"},
+         "is a directory"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Veskdm, BadInputTest, ::testing::ValuesIn(kBadInputs),
+                         [](const ::testing::TestParamInfo<BadInput>& info) {
+                             return std::string(info.param.name);
+                         });
+
+// A script whose entries are not objects is refused before the library is loaded.
+TEST_F(BadInputTest, ScriptWithAnEntryThatIsNotAnObject) {
+    vesk::test::writeFile(work + "/script.json", R"({"bi_sysled_get_state": 5})");
+    Outcome outcome = run({"ScriptEntry",
+                           {"--root", "{root}", "--board-script", "{dir}/../script.json", "call",
+                            "getSysLedState"},
+                           ""});
+    EXPECT_EQ(2, outcome.status);
+    EXPECT_EQ(std::vector<std::string>{"veskdm: board script " + work +
+                                       "/dir/../script.json: bi_sysled_get_state must be an "
+                                       "object or a list of objects"},
+              outcome.errLines());
+    EXPECT_EQ("", outcome.out);
+}
+
+}  // namespace
+}  // namespace veskdm::test

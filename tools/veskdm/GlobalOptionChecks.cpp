@@ -1,0 +1,90 @@
+#include "GlobalOptionChecks.h"
+
+#include <errno.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "Commands.h"
+
+namespace veskdm {
+
+namespace {
+
+bool isDirectory(const std::string& path) {
+    struct stat st;
+    return stat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
+}
+
+std::string parentOf(const std::string& path) {
+    size_t slash = path.find_last_of('/');
+    if (slash == std::string::npos) return ".";
+    if (slash == 0) return "/";
+    return path.substr(0, slash);
+}
+
+}  // namespace
+
+void checkRootPath(const std::string& root) {
+    if (root.empty()) throw UsageError("--root: the device root is an empty path");
+    struct stat st;
+    if (stat(root.c_str(), &st) == 0) {
+        if (!S_ISDIR(st.st_mode)) throw UsageError("--root: " + root + " is not a directory");
+        return;
+    }
+    // Missing: it is made with its parents, so the nearest existing ancestor must be a
+    // directory that can be written.
+    std::string ancestor = parentOf(root);
+    while (stat(ancestor.c_str(), &st) != 0 && ancestor != "/" && ancestor != ".") {
+        ancestor = parentOf(ancestor);
+    }
+    if (!S_ISDIR(st.st_mode) || access(ancestor.c_str(), W_OK | X_OK) != 0) {
+        throw UsageError("--root: cannot create " + root + " (" + ancestor +
+                         " is not a writable directory)");
+    }
+}
+
+void checkJournalPath(const std::string& path) {
+    struct stat st;
+    if (stat(path.c_str(), &st) == 0) {
+        if (S_ISDIR(st.st_mode)) {
+            throw UsageError("board journal " + path + ": is a directory");
+        }
+        if (access(path.c_str(), W_OK) != 0) {
+            throw UsageError("board journal " + path + ": " + strerror(errno));
+        }
+        return;
+    }
+    std::string parent = parentOf(path);
+    if (!isDirectory(parent) || access(parent.c_str(), W_OK | X_OK) != 0) {
+        throw UsageError("board journal " + path + ": " + parent + " is not a writable directory");
+    }
+}
+
+void checkScriptFile(const std::string& path) {
+    if (isDirectory(path)) throw UsageError("board script " + path + ": is a directory");
+    std::ifstream in(path);
+    if (!in) throw UsageError("board script " + path + ": cannot be read");
+    std::stringstream text;
+    text << in.rdbuf();
+    nlohmann::json script = nlohmann::json::parse(text.str(), nullptr, false);
+    if (script.is_discarded()) throw UsageError("board script " + path + ": unreadable JSON");
+    if (!script.is_object()) throw UsageError("board script " + path + ": not a JSON object");
+    for (const auto& [function, value] : script.items()) {
+        bool entries = value.is_object();
+        if (value.is_array()) {
+            entries = true;
+            for (const auto& entry : value) entries = entries && entry.is_object();
+        }
+        if (!entries) {
+            throw UsageError("board script " + path + ": " + function +
+                             " must be an object or a list of objects");
+        }
+    }
+}
+
+}  // namespace veskdm

@@ -1,0 +1,21 @@
+/*
+ * The checks of veskdm's global options, made before any command runs, so that a bad path is
+ * reported as bad input (one line, status 2) before anything is loaded, called or created.
+ */
+#pragma once
+
+#include <string>
+
+namespace veskdm {
+
+// A device root that is, or can be made, a directory: throws UsageError otherwise.
+void checkRootPath(const std::string& root);
+// A board journal the board can append to (an existing file, or a new one in an existing
+// directory); nothing is created. Throws UsageError otherwise.
+void checkJournalPath(const std::string& path);
+// A board script that can be read and holds a JSON object whose values are objects or lists
+// of objects, as the simulated board takes it (it checks the entries themselves). Throws
+// UsageError otherwise.
+void checkScriptFile(const std::string& path);
+
+}  // namespace veskdm
