@@ -68,7 +68,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
     bool margins = in.ConsumeBool();
     bool interlaced = in.ConsumeBool();
     bool videoOptimized = in.ConsumeBool();
-    bool searches = in.ConsumeIntegralInRange<int>(0, 63) == 0;
+    bool searches = in.ConsumeIntegralInRange<int>(0, 255) == 0;
     double maxPixClock = in.ConsumeFloatingPoint<double>();
 
     VideoTimingCaculator calculator;

@@ -1,0 +1,29 @@
+#!/usr/bin/env bash
+# Builds the coverage preset (gcc --coverage), runs every test, and reports with lcov the line
+# and function coverage of the service code (default/), with the functions of default/ that no
+# test reaches. The HTML report is written to build/coverage/html.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/install-deps.sh
+
+build=build/coverage
+scripts/build.sh coverage
+find "$build" -name '*.gcda' -delete
+status=0
+ctest --preset coverage -j "$(nproc)" --timeout 300 || status=$?
+
+lcov --quiet --capture --directory "$build" --output-file "$build/all.info"
+lcov --quiet --extract "$build/all.info" "$PWD/default/*" --output-file "$build/default.info"
+echo "=== coverage of default/"
+lcov --summary "$build/default.info" 2>&1 | grep -E 'lines|functions'
+echo "=== functions of default/ never reached"
+# FN:<line>,<name> and FNDA:<count>,<name> per source file; a name may stand for several
+# instantiations.
+awk -F'[:,]' '
+    /^SF:/ { file = substr($0, 4); sub(/.*\/default\//, "default/", file) }
+    /^FN:/ { line[$3] = file ":" $2 }
+    /^FNDA:/ { if ($2 == 0 && !($3 in reached)) never[$3] = line[$3]; else { reached[$3] = 1; delete never[$3] } }
+    END { for (name in never) print never[name] " " name }
+' "$build/default.info" | sort -t: -k1,1 -k2,2n | c++filt
+genhtml --quiet "$build/default.info" --output-directory "$build/html"
+exit "$status"
