@@ -160,7 +160,9 @@ bool wordFor(FuzzedDataProvider& in, const std::string& parameter, std::string& 
                 {"once_size", offsetof(vesk_log_record, once_size)}};
         value = Json::object();
         for (const auto& [name, offset] : kFields) {
-            std::string text = in.ConsumeRandomLengthString(250);
+            // As the service receives it: bytes that are not UTF-8 arrive as U+FFFD.
+            std::string text = Json::parse(veskdm::dumpJson(Json(in.ConsumeRandomLengthString(250))))
+                                       .get<std::string>();
             // Longer than the room left in the record: the checked copy ends the process.
             if (text.size() > sizeof(vesk_log_record) - offset) return false;
             value[name] = text;
