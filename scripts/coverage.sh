@@ -17,13 +17,14 @@ lcov --quiet --extract "$build/all.info" "$PWD/default/*" --output-file "$build/
 echo "=== coverage of default/"
 lcov --summary "$build/default.info" 2>&1 | grep -E 'lines|functions'
 echo "=== functions of default/ never reached"
-# FN:<line>,<name> and FNDA:<count>,<name> per source file; a name may stand for several
-# instantiations.
+# FN:<line>,<name> and FNDA:<count>,<name> per source file; the variants of one function (a
+# constructor's complete and base object forms, template instances) share its line, which counts
+# as reached when any of them is.
 awk -F'[:,]' '
     /^SF:/ { file = substr($0, 4); sub(/.*\/default\//, "default/", file) }
-    /^FN:/ { line[$3] = file ":" $2 }
-    /^FNDA:/ { if ($2 == 0 && !($3 in reached)) never[$3] = line[$3]; else { reached[$3] = 1; delete never[$3] } }
-    END { for (name in never) print never[name] " " name }
+    /^FN:/ { key = file ":" $2; if (!(key in name)) name[key] = $3; line[file, $3] = key }
+    /^FNDA:/ { key = line[file, $3]; seen[key] = 1; if ($2 > 0) reached[key] = 1 }
+    END { for (key in seen) if (!(key in reached)) print key " " name[key] }
 ' "$build/default.info" | sort -t: -k1,1 -k2,2n | c++filt
 genhtml --quiet "$build/default.info" --output-directory "$build/html"
 exit "$status"

@@ -323,35 +323,6 @@ void VideoTimingCaculator::fillRecord(const std::string& mode, uint32_t bitsPerC
                                           totalActivePixels * componentsPerPixel / 1e6));
 }
 
-// Zeroes the record; the texts keep their storage for the next calculation.
-void VideoTimingCaculator::resetRecord() {
-    timing.name.clear();
-    timing.pix_clock = 0;
-    timing.h_total = 0;
-    timing.h_active = 0;
-    timing.h_blank = 0;
-    timing.h_front_porch = 0;
-    timing.h_sync = 0;
-    timing.h_back_porch = 0;
-    timing.h_sync_polarity = 0;
-    timing.h_freq = 0;
-    timing.h_period = 0;
-    timing.v_total = 0;
-    timing.v_active = 0;
-    timing.v_blank = 0;
-    timing.vblank_duration = 0;
-    timing.v_front_porch = 0;
-    timing.v_sync = 0;
-    timing.v_back_porch = 0;
-    timing.v_sync_polarity = 0;
-    timing.v_freq = 0;
-    timing.v_period = 0;
-    timing.peak_bw = 0;
-    timing.line_bw = 0;
-    timing.active_bw = 0;
-    timing.aspect.clear();
-}
-
 timing_t VideoTimingCaculator::getCvtTiming() {
     return timing;
 }

@@ -82,7 +82,6 @@ class VideoTimingCaculator {
     void calculateStandardBlanking();
     void calculateReducedBlanking(bool version2);
     void fillRecord(const std::string& mode, uint32_t bitsPerComponent, double componentsPerPixel);
-    void resetRecord();
     double perClockStep(double x) const;
 
     timing_t timing;
