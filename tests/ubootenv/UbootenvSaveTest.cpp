@@ -139,6 +139,16 @@ TEST_F(UbootenvSaveTest, ANameWhoseKeyHoldsAnEqualsSignIsRejected) {
             takeEnvLog());
 }
 
+// A device that takes no data (every write fails with ENOSPC): the save reports a failed write.
+TEST_F(UbootenvSaveTest, AWriteThatFailsIsMinusThree) {
+    Ubootenv env("/dev/full");
+    takeEnvLog();
+    EXPECT_EQ(-3, env.save());
+    EnvLogs log = takeEnvLog();
+    ASSERT_FALSE(log.empty());
+    EXPECT_EQ((EnvLog{kError, "save", "[ubootenv] SYS_LOGE write, size 65536 \n"}), log.back());
+}
+
 // Edge case: after a save the copies are the same bytes, each with its CRC.
 TEST_F(UbootenvSaveTest, BothCopiesAreIdenticalAndVerifyAfterASave) {
     std::string copyA = envCopy(dataArea(envStrings(factoryVariables())));
