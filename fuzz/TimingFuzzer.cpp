@@ -69,7 +69,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
     bool interlaced = in.ConsumeBool();
     bool videoOptimized = in.ConsumeBool();
     bool searches = in.ConsumeIntegralInRange<int>(0, 255) == 0;
-    double maxPixClock = in.ConsumeFloatingPoint<double>();
+    // A ceiling in the range of real pixel clocks (MHz), so that a search mostly ends early;
+    // each step is a whole calculation.
+    double maxPixClock = in.ConsumeFloatingPointInRange<double>(0, 1200);
 
     VideoTimingCaculator calculator;
     calculator.calculateCvt(hPixels, vLines, rate, bits, components, mode, margins, interlaced,
