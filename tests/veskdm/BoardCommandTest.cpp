@@ -167,5 +167,42 @@ TEST_F(BoardCommandTest, ShowReportsAMissedWatchdogFeed) {
                                                 "watchdog_missed_feeds=1"}));
 }
 
+// "Z" for a zombie, "" once it is gone: /proc/PID/stat's state letter.
+std::string processState(int pid) {
+    std::string stat = vesk::test::readFile("/proc/" + std::to_string(pid) + "/stat");
+    std::size_t close = stat.rfind(')');
+    return close == std::string::npos ? "" : stat.substr(close + 2, 1);
+}
+
+// A process started through veskdm is the one the service may kill, from another process; any
+// other is refused.
+TEST_F(BoardCommandTest, KillsOnlyAProcessTheBoardStarted) {
+    Outcome start = veskdm.run({"board", "start", "sleep", "30"});
+    ASSERT_EQ(start.status, 0) << start.err;
+    int pid = std::stoi(start.out);
+    ASSERT_GT(pid, 0);
+    EXPECT_NE(processState(pid), "");
+    Outcome own = veskdm.run({"call", "killProcessNum", std::to_string(getpid())});
+    EXPECT_EQ(json::parse(own.out)["return"], -1) << own.out;
+    Outcome kill = veskdm.run({"call", "killProcessNum", std::to_string(pid)});
+    EXPECT_EQ(json::parse(kill.out)["return"], 0) << kill.out;
+    // Killed: a zombie until its new parent reaps it, then gone (SIGKILL is delivered
+    // asynchronously, so wait for it).
+    std::string state = processState(pid);
+    for (int i = 0; i < 200 && state != "Z" && state != ""; ++i) {
+        usleep(10 * 1000);
+        state = processState(pid);
+    }
+    EXPECT_TRUE(state == "Z" || state == "") << state;
+    Outcome again = veskdm.run({"call", "killProcessNum", std::to_string(pid)});
+    EXPECT_EQ(json::parse(again.out)["return"], -1) << again.out;
+}
+
+TEST_F(BoardCommandTest, StartOfAMissingProgramFails) {
+    Outcome outcome = veskdm.run({"board", "start", "/no/such/program"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errLines(), ElementsAre("veskdm: cannot start /no/such/program"));
+}
+
 }  // namespace
 }  // namespace veskdm::test

@@ -1,6 +1,6 @@
 /*
  * veskdm board: the simulated board's product description, its state file and the peer links
- * of its open serial channels, all in the device root.
+ * of its open serial channels, all in the device root; and processes the board may kill.
  */
 #include <limits.h>
 #include <stdio.h>
@@ -9,6 +9,7 @@
 #include "Commands.h"
 #include "vesk/host/DeviceRoot.h"
 #include "vesk/sim/ProductFile.h"
+#include "vesk/sim/StartedProcesses.h"
 #include "vesk/sim/StateFile.h"
 
 namespace veskdm {
@@ -73,6 +74,21 @@ void addBoardCommand(CLI::App& app) {
     set->callback([] {
         std::string problem = vesk::sim::setProductValue(key, value);
         if (!problem.empty()) throw UsageError(problem);
+    });
+
+    // A process the board may kill (killProcessNum refuses every other one).
+    static std::vector<std::string> program;
+    auto* start = board->add_subcommand(
+            "start", "start PROGRAM [ARG...] as the board's own process and print its pid");
+    start->add_option("PROGRAM", program,
+                      "program and its arguments (after -- if any starts "
+                      "with -)")
+            ->required()
+            ->expected(-1);
+    start->callback([] {
+        int pid = vesk::sim::startBoardProcess(program);
+        if (pid < 0) throw CommandError("cannot start " + program[0]);
+        printf("%d\n", pid);
     });
 }
 

@@ -2,7 +2,6 @@
 // processes started through the simulator (vesk::sim::startProcess) may be killed.
 #include <pwd.h>
 #include <signal.h>
-#include <spawn.h>
 #include <unistd.h>
 
 #include <cstring>
@@ -12,10 +11,9 @@
 
 #include "HostProc.h"
 #include "SimMacros.h"
+#include "vesk/sim/StartedProcesses.h"
 #include "vesksdk.h"
 #include "vesksdk_sim_control.h"
-
-extern char** environ;
 
 using vesk::sim::BoardData;
 using vesk::sim::SimCall;
@@ -60,17 +58,7 @@ bool isStartedProcess(const BoardData& data, int pid) {
 namespace vesk::sim {
 
 int startProcess(const std::vector<std::string>& argv) {
-    if (argv.empty()) return -1;
-    std::vector<char*> args;
-    for (const std::string& arg : argv) args.push_back(const_cast<char*>(arg.c_str()));
-    args.push_back(nullptr);
-    pid_t pid = 0;
-    if (posix_spawnp(&pid, args[0], nullptr, nullptr, args.data(), environ) != 0) return -1;
-    // The start time tells this process from a later one that gets the same pid.
-    auto process = readProcess(pid);
-    unsigned long long startTicks = process ? process->startTicks : 0;
-    board().with([&](BoardData& data) { data.startedProcesses[pid] = startTicks; });
-    return pid;
+    return startBoardProcess(argv);
 }
 
 }  // namespace vesk::sim
