@@ -80,9 +80,14 @@ class VideoTimingCaculator {
     static Blanking blankingOf(const std::string& mode);
     void setUpMode(Blanking blanking, bool videoOptimized);
     void calculateStandardBlanking();
-    void calculateReducedBlanking(bool version2);
+    // `fieldTime` is 1e6 / vFieldRateRqd - rbMinVBlankTime.
+    void calculateReducedBlanking(bool version2, double fieldTime);
+    double blankLinesEstimate(double fieldTime, double activeLines) const;
     void fillRecord(const std::string& mode, uint32_t bitsPerComponent, double componentsPerPixel);
     void resetRecord();
+    double clockToKhz(double clock) const;
+    // Fills the record's rates, periods and bandwidths, once after each calculation.
+    void completeRecord();
     double perClockStep(double x) const;
 
     timing_t timing;
@@ -143,6 +148,9 @@ class VideoTimingCaculator {
     double idealDutyCycle;
     double hPeriodEst;  // microseconds
     double interlace;   // 0.5 for an interlaced field, else 0
+    uint32_t bitsPerComponentRqd;
+    double componentsPerPixelRqd;
+    bool recordComplete;  // the rates, periods and bandwidths of the record are filled in
 };
 
 }  // namespace vesk::hardware::veskdevicemanager::implementation
