@@ -142,7 +142,8 @@ VideoTimingCaculator::VideoTimingCaculator()
       interlace(0),
       bitsPerComponentRqd(0),
       componentsPerPixelRqd(0),
-      recordComplete(true) {}
+      recordComplete(true),
+      recordBlanking(Blanking::kOther) {}
 
 VideoTimingCaculator::~VideoTimingCaculator() = default;
 
@@ -185,16 +186,21 @@ void VideoTimingCaculator::calculateCvt(uint32_t hPixels, uint32_t vLines, uint3
 
     // The aspect ratio is judged on the frame's height against the rounded width; it sets the
     // vertical sync width, except for version 2's fixed 8 lines. The first ratio that matches
-    // wins; all are tested at once, without a division.
+    // wins; all are tested at once, without a division. Every named ratio lies between 5:4 and
+    // 12:5, so a width outside [5/4 L - 1/2, 12/5 L + 1/2] needs no test.
     const uint64_t frameLines = interlaced ? uint64_t{vLinesRnd} * 2 : vLinesRnd;
-    const unsigned matches =
-            roundsTo(frameLines, 4, 3, hPixelsRnd) | roundsTo(frameLines, 16, 9, hPixelsRnd) << 1 |
-            roundsTo(frameLines, 16, 10, hPixelsRnd) << 2 |
-            roundsTo(frameLines, 5, 4, hPixelsRnd) << 3 |
-            roundsTo(frameLines, 15, 9, hPixelsRnd) << 4 |
-            roundsTo(frameLines, 43, 18, hPixelsRnd) << 5 |
-            roundsTo(frameLines, 64, 27, hPixelsRnd) << 6 |
-            roundsTo(frameLines, 12, 5, hPixelsRnd) << 7 | 1u << 8;  // "Unknown"
+    const uint64_t width = hPixelsRnd;
+    unsigned matches = 1u << 8;  // "Unknown"
+    if (4 * width + 2 >= 5 * frameLines && 10 * width <= 24 * frameLines + 5) {
+        matches |= roundsTo(frameLines, 4, 3, hPixelsRnd) |
+                   roundsTo(frameLines, 16, 9, hPixelsRnd) << 1 |
+                   roundsTo(frameLines, 16, 10, hPixelsRnd) << 2 |
+                   roundsTo(frameLines, 5, 4, hPixelsRnd) << 3 |
+                   roundsTo(frameLines, 15, 9, hPixelsRnd) << 4 |
+                   roundsTo(frameLines, 43, 18, hPixelsRnd) << 5 |
+                   roundsTo(frameLines, 64, 27, hPixelsRnd) << 6 |
+                   roundsTo(frameLines, 12, 5, hPixelsRnd) << 7;
+    }
     const AspectRatio& aspect = kAspectRatios[__builtin_ctz(matches)];
     aspectRatio = aspect.name;
     vSync = blanking == Blanking::kReduced2 ? 8 : aspect.vSync;
@@ -204,7 +210,7 @@ void VideoTimingCaculator::calculateCvt(uint32_t hPixels, uint32_t vLines, uint3
     } else {
         calculateReducedBlanking(blanking == Blanking::kReduced2, fieldTime);
     }
-    fillRecord(mode, bitsPerComponent, componentsPerPixel);
+    fillRecord(blanking, mode, bitsPerComponent, componentsPerPixel);
 }
 
 void VideoTimingCaculator::setUpMode(Blanking blanking, bool videoOptimized) {
@@ -321,11 +327,16 @@ void VideoTimingCaculator::calculateReducedBlanking(bool version2, double fieldT
     }
 }
 
-void VideoTimingCaculator::fillRecord(const std::string& mode, uint32_t bitsPerComponent,
-                                      double componentsPerPixel) {
+void VideoTimingCaculator::fillRecord(Blanking blanking, const std::string& mode,
+                                      uint32_t bitsPerComponent, double componentsPerPixel) {
     // Every field is written here or by completeRecord(): the record starts over without a
     // separate reset.
-    if (timing.name != mode) timing.name.assign(mode);  // the same mode, as a rule
+    // The three named modes are recognised by their blanking: the name is written again only
+    // when it changes.
+    if (blanking == Blanking::kOther || blanking != recordBlanking) {
+        timing.name.assign(mode);
+        recordBlanking = blanking;
+    }
     timing.aspect.clear();
     timing.h_total = totalPixels;
     timing.h_active = totalActivePixels;
