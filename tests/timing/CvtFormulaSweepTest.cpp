@@ -135,3 +135,44 @@ TEST(CvtFormulaSweepTest, RecordRatesPeriodsAndBandwidthsFollowTheirFormulas) {
 
 }  // namespace
 }  // namespace vesk::test
+
+namespace vesk::test {
+namespace {
+
+// One calculator through a series of modes, as the output-mode control and the searches use it:
+// the record always describes the last calculation, name and rates included.
+TEST(CvtRecordReuseTest, RecordFollowsTheLastCalculationOnOneCalculator) {
+    VideoTimingCaculator calculator;
+    const char* modes[] = {"cvt_rb", "cvt_rb", "cvt", "other", "cvt_rb2", "another", "cvt_rb"};
+    const char* previous = "cvt_rb";
+    for (const char* mode : modes) {
+        calculator.calculateCvt(1920, 1200, 60, 8, 3.0, mode, false, false, false);
+        const timing_t reused = calculator.getCvtTiming();
+        // Any other name keeps the constants of the mode before it: the fresh calculator goes
+        // through that mode first.
+        VideoTimingCaculator second;
+        second.calculateCvt(640, 480, 60, 8, 3.0, previous, false, false, false);
+        second.calculateCvt(1920, 1200, 60, 8, 3.0, mode, false, false, false);
+        const timing_t fresh = second.getCvtTiming();
+        previous = mode;
+        EXPECT_EQ(reused.name, mode);
+        EXPECT_EQ(reused.pix_clock, fresh.pix_clock) << mode;
+        EXPECT_EQ(reused.h_total, fresh.h_total) << mode;
+        EXPECT_EQ(reused.v_total, fresh.v_total) << mode;
+        EXPECT_EQ(reused.h_freq, fresh.h_freq) << mode;
+        EXPECT_EQ(reused.v_freq, fresh.v_freq) << mode;
+        EXPECT_EQ(reused.peak_bw, fresh.peak_bw) << mode;
+    }
+    // Published: 1920x1200 at 60 Hz, reduced blanking, 154.00 MHz with 2080 x 1235; a record
+    // read once and then recalculated must not keep the earlier rates.
+    calculator.calculateCvt(1920, 1080, 60, 8, 3.0, "cvt_rb", false, false, false);
+    (void)calculator.getCvtTiming();
+    calculator.calculateCvt(1920, 1200, 60, 8, 3.0, "cvt_rb", false, false, false);
+    const timing_t t = calculator.getCvtTiming();
+    EXPECT_EQ(t.pix_clock, 154.0);
+    EXPECT_EQ(t.h_freq, std::round(154e6 / 2080) / 1000);                  // 74.038 kHz
+    EXPECT_EQ(t.v_freq, std::round(154e6 / (2080.0 * 1235) * 1000) / 1000);  // 59.95 Hz
+}
+
+}  // namespace
+}  // namespace vesk::test
