@@ -7,7 +7,6 @@
 #include <array>
 #include <condition_variable>
 #include <cstdint>
-#include <deque>
 #include <map>
 #include <mutex>
 #include <string>
@@ -16,17 +15,6 @@
 #include "vesksdk_records.h"
 
 namespace vesk::sim {
-
-enum class SerialChannel { Rs485, Rs485Second, Rs232, Lora, Hdmi, Ttl, TtlSecond, Count };
-
-struct SerialPort {
-    bool open = false;
-    int baudrate = 0;
-    unsigned char databits = 0;
-    unsigned char stopbits = 0;
-    signed char parity = 0;
-    std::deque<uint8_t> received;  // loopback: what was written waits here to be read
-};
 
 struct WatchdogState {
     bool open = false;
@@ -43,7 +31,6 @@ struct BoardData {
 
     // Plain states and switches by name ("sysled", "usb_state/2", ...); absent reads as 0.
     std::map<std::string, int> values;
-    std::array<SerialPort, static_cast<std::size_t>(SerialChannel::Count)> serial;
     WatchdogState watchdog;
     std::vector<uint8_t> definedArea, screenArea, fpgaProgram;
     std::map<std::string, std::vector<uint8_t>> namedBlocks;
