@@ -170,94 +170,6 @@ TEST_F(BoardTest, SetProductInfoStoresTheDhcpWord) {
     EXPECT_EQ(-1, bi_info_set_product_info(nullptr));
 }
 
-struct SerialPortFunctions {
-    const char* name;
-    int (*open)(int, unsigned char, unsigned char, signed char);
-    int (*close)();
-    int (*blockingRead)(unsigned char*, unsigned int, unsigned int);
-    int (*nonblockingRead)(unsigned char*, unsigned int);
-    int (*write)(const unsigned char*, unsigned int);
-};
-
-#define PORT(prefix)                                                                       \
-    {                                                                                      \
-#prefix, bi_serial_##prefix##_open, bi_serial_##prefix##_close,                    \
-                bi_serial_##prefix##_blocking_read, bi_serial_##prefix##_nonblocking_read, \
-                bi_serial_##prefix##_write                                                 \
-    }
-const SerialPortFunctions kPorts[] = {PORT(485),  PORT(485_2), PORT(232),  PORT(lora),
-                                      PORT(hdmi), PORT(ttl),   PORT(ttl_2)};
-#undef PORT
-
-TEST_F(BoardTest, SerialPortsRefuseUseWhenClosed) {
-    unsigned char buffer[4];
-    const unsigned char data[] = {1};
-    for (const SerialPortFunctions& port : kPorts) {
-        EXPECT_EQ(-1, port.write(data, 1)) << port.name;
-        EXPECT_EQ(-1, port.nonblockingRead(buffer, 4)) << port.name;
-        EXPECT_EQ(-1, port.blockingRead(buffer, 4, 1)) << port.name;
-        EXPECT_EQ(-1, port.close()) << port.name;
-    }
-}
-
-TEST_F(BoardTest, SerialPortsLoopBackWhatIsWritten) {
-    for (const SerialPortFunctions& port : kPorts) {
-        ASSERT_EQ(0, port.open(115200, 8, 1, -1)) << port.name;
-        const unsigned char data[] = {'a', 'b', 'c'};
-        EXPECT_EQ(3, port.write(data, 3)) << port.name;
-        unsigned char buffer[4] = {};
-        EXPECT_EQ(2, port.nonblockingRead(buffer, 2)) << port.name;
-        EXPECT_EQ(0, memcmp("ab", buffer, 2)) << port.name;
-        EXPECT_EQ(1, port.blockingRead(buffer, 4, 1000)) << port.name;
-        EXPECT_EQ('c', buffer[0]) << port.name;
-        EXPECT_EQ(0, port.nonblockingRead(buffer, 4)) << port.name;
-        EXPECT_EQ(0, port.close()) << port.name;
-    }
-}
-
-TEST_F(BoardTest, SerialPortsAreSeparate) {
-    bi_serial_485_open(9600, 8, 1, 0);
-    bi_serial_232_open(9600, 8, 1, 0);
-    const unsigned char data[] = {7};
-    bi_serial_485_write(data, 1);
-    unsigned char buffer[1] = {};
-    EXPECT_EQ(0, bi_serial_232_nonblocking_read(buffer, 1));
-    EXPECT_EQ(1, bi_serial_485_nonblocking_read(buffer, 1));
-}
-
-TEST_F(BoardTest, SerialOpenRefusesANonPositiveBaudRate) {
-    EXPECT_EQ(-1, bi_serial_ttl_open(0, 8, 1, 0));
-    EXPECT_EQ(-1, bi_serial_ttl_close());
-}
-
-TEST_F(BoardTest, SerialBlockingReadTimesOutWithNothing) {
-    bi_serial_ttl_2_open(9600, 8, 1, 0);
-    unsigned char buffer[4];
-    EXPECT_EQ(0, bi_serial_ttl_2_blocking_read(buffer, 4, 20));
-}
-
-TEST_F(BoardTest, SerialBlockingReadWakesOnWrite) {
-    bi_serial_lora_open(9600, 8, 1, 0);
-    std::thread writer([] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        const unsigned char data[] = {'z'};
-        bi_serial_lora_write(data, 1);
-    });
-    unsigned char buffer[4] = {};
-    EXPECT_EQ(1, bi_serial_lora_blocking_read(buffer, 4, 10000));
-    EXPECT_EQ('z', buffer[0]);
-    writer.join();
-}
-
-TEST_F(BoardTest, SerialReadOfZeroBytes) {
-    bi_serial_hdmi_open(9600, 8, 1, 0);
-    const unsigned char data[] = {1};
-    bi_serial_hdmi_write(data, 1);
-    EXPECT_EQ(0, bi_serial_hdmi_nonblocking_read(nullptr, 0));
-    EXPECT_EQ(0, bi_serial_hdmi_blocking_read(nullptr, 0, 1000));
-    EXPECT_EQ(0, bi_serial_hdmi_write(nullptr, 0));
-}
-
 TEST_F(BoardTest, WatchdogConfigurationAndDevice) {
     vesk_watchdog_record record{};
     EXPECT_EQ(0, bi_watchdog_parse(&record));
@@ -439,14 +351,17 @@ TEST_F(BoardTest, RtcTimesRoundTrip) {
 TEST_F(BoardTest, ResolutionList) {
     vesk_resolution_record records[64];
     memset(records, 0xee, sizeof(records));
-    ASSERT_EQ(4, bi_resolution_get_parameters_list(records));
+    ASSERT_EQ(21, bi_resolution_get_parameters_list(records));
     EXPECT_EQ(3840u, records[0].width);
     EXPECT_EQ(2160u, records[0].height);
     EXPECT_EQ(60u, records[0].fps);
-    EXPECT_EQ(30u, records[1].fps);
-    EXPECT_EQ(1920u, records[2].width);
-    EXPECT_EQ(720u, records[3].height);
-    EXPECT_EQ(0xeeeeeeeeu, records[4].width);
+    EXPECT_EQ(1920u, records[5].width);
+    EXPECT_EQ(1080u, records[5].height);
+    EXPECT_EQ(60u, records[5].fps);
+    EXPECT_EQ(640u, records[20].width);
+    EXPECT_EQ(480u, records[20].height);
+    for (int i = 0; i < 21; ++i) EXPECT_EQ(1, records[i].status) << i;
+    EXPECT_EQ(0xeeeeeeeeu, records[21].width);
 }
 
 TEST_F(BoardTest, CalculatedResolutionBecomesCurrent) {
@@ -492,8 +407,8 @@ TEST_F(BoardTest, EdidByModelHasValidBlocksAndItsTiming) {
     EXPECT_EQ(0, blockSum(edid + 128));
     EXPECT_EQ(1, edid[126]);
     EXPECT_EQ(2, edid[128]);
-    // 2080 x 1110 x 60 Hz = 138.528 MHz, in units of 10 kHz: 13853 = 0x361d.
-    EXPECT_EQ(0x1d, edid[54]);
+    // CVT reduced blanking 1920 x 1080 at 60 Hz: 138.50 MHz, in units of 10 kHz 13850 = 0x361a.
+    EXPECT_EQ(0x1a, edid[54]);
     EXPECT_EQ(0x36, edid[55]);
     vesk_resolution_record timing{};
     EXPECT_EQ(0, bi_resolution_get_prefferred_timing_by_edid(edid, &timing));

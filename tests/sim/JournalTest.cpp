@@ -45,8 +45,8 @@ TEST(JournalTest, UnsignedArgument) {
 
 TEST(JournalTest, UnsignedAndSignedCharArguments) {
     vesk::sim::startJournal();
-    bi_serial_485_open(115200, 255, 2, -1);
-    EXPECT_EQ(R"({"function":"bi_serial_485_open","args":[115200,255,2,-1],"return":0})",
+    bi_serial_485_open(115200, 255, 2, -1);  // 255 data bits and parity -1: refused
+    EXPECT_EQ(R"({"function":"bi_serial_485_open","args":[115200,255,2,-1],"return":-1})",
               onlyCall());
 }
 

@@ -2,15 +2,12 @@
  * Everything the simulated board remembers between calls, in one place. What a board keeps
  * (states, times, configurations, the output mode, the watchdog) lives in the state file of the
  * device root: each with() reads it under the cross-process lock and writes it back when the
- * action changed it, so that a value set by one process is read by another. The serial ports
- * belong to the process that opened them and are not saved.
+ * action changed it, so that a value set by one process is read by another.
  */
 #pragma once
 
 #include <array>
-#include <condition_variable>
 #include <cstdint>
-#include <deque>
 #include <map>
 #include <mutex>
 #include <nlohmann/json.hpp>
@@ -21,17 +18,6 @@
 #include "vesksdk_records.h"
 
 namespace vesk::sim {
-
-enum class SerialChannel { Rs485, Rs485Second, Rs232, Lora, Hdmi, Ttl, TtlSecond, Count };
-
-struct SerialPort {
-    bool open = false;
-    int baudrate = 0;
-    unsigned char databits = 0;
-    unsigned char stopbits = 0;
-    signed char parity = 0;
-    std::deque<uint8_t> received;  // loopback: what was written waits here to be read
-};
 
 struct WatchdogState {
     bool open = false;
@@ -59,9 +45,6 @@ struct BoardData {
     vesk_resolution_record outputMode{};
     // Processes started through the simulator (pid and start time), the only ones it may kill.
     std::map<int, unsigned long long> startedProcesses;
-
-    // Kept by this process only.
-    std::array<SerialPort, static_cast<std::size_t>(SerialChannel::Count)> serial;
 };
 
 // The saved part of BoardData as JSON, and back (members missing from `json` keep their
@@ -90,11 +73,6 @@ class BoardState {
     int indexedValue(const char* key, long long index);
     int setIndexedValue(const char* key, long long index, long long value);
 
-    // For the calls that wait (blocking serial reads): the lock, and a signal of changes.
-    std::unique_lock<std::mutex> lock() { return std::unique_lock<std::mutex>(mMutex); }
-    BoardData& data() { return mData; }  // only with lock() held
-    std::condition_variable& changed() { return mChanged; }
-
   private:
     // Loads the saved state on construction and saves it on destruction if it changed, with the
     // state file's lock held in between.
@@ -112,7 +90,6 @@ class BoardState {
     };
 
     std::mutex mMutex;
-    std::condition_variable mChanged;
     BoardData mData;
 };
 
