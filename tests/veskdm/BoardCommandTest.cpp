@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "RunVeskdm.h"
+#include "vesksdk.h"
 
 namespace veskdm::test {
 namespace {
@@ -143,14 +144,28 @@ TEST_F(BoardCommandTest, BadKeyOrValueWritesNothing) {
     EXPECT_EQ(veskdm.run({"board", "set", "model_id", std::string(31, '1')}).status, 0);
 }
 
-// The serial code links each open channel's peer end into the root's dev/; show lists them.
+// Each open serial channel links its pseudo-terminal's far end into the root's dev/; show lists
+// the links that exist.
 TEST_F(BoardCommandTest, ShowListsSerialPeerLinks) {
-    ASSERT_EQ(0, symlink("/dev/pts/7", (root / "/dev/ttyVESK232").c_str()));
-    ASSERT_EQ(0, symlink("/dev/pts/9", (root / "/dev/ttyVESKTTL_2").c_str()));
+    ASSERT_EQ(0, symlink("/dev/pts/97", (root / "/dev/ttyVESK232").c_str()));
+    ASSERT_EQ(0, symlink("/dev/pts/99", (root / "/dev/ttyVESKTTL_2").c_str()));
     std::vector<std::string> lines = veskdm.run({"board", "show"}).outLines();
     ASSERT_GE(lines.size(), 2u);
-    EXPECT_EQ(lines[lines.size() - 2], "serial ttyVESK232 -> /dev/pts/7");
-    EXPECT_EQ(lines[lines.size() - 1], "serial ttyVESKTTL_2 -> /dev/pts/9");
+    EXPECT_EQ(lines[lines.size() - 2], "serial ttyVESK232 -> /dev/pts/97");
+    EXPECT_EQ(lines[lines.size() - 1], "serial ttyVESKTTL_2 -> /dev/pts/99");
+}
+
+// A channel opened by the board library in this process shows while it is open.
+TEST_F(BoardCommandTest, ShowListsTheLinkOfAnOpenChannel) {
+    ASSERT_EQ(0, bi_serial_485_open(115200, 8, 1, 0));
+    char target[256] = {};
+    ASSERT_GT(readlink((root / "/dev/ttyVESK485").c_str(), target, sizeof(target) - 1), 0);
+    std::vector<std::string> lines = veskdm.run({"board", "show"}).outLines();
+    ASSERT_FALSE(lines.empty());
+    EXPECT_EQ(lines.back(), std::string("serial ttyVESK485 -> ") + target);
+    ASSERT_EQ(0, bi_serial_485_close());
+    lines = veskdm.run({"board", "show"}).outLines();
+    EXPECT_EQ(lines.back(), "watchdog_missed_feeds=0");
 }
 
 // A watchdog started by one process and fed too late by another: show reports the reset that
