@@ -121,7 +121,7 @@ TEST_F(BoardCommandTest, DhcpSwitchSetThroughTheService) {
 }
 
 TEST_F(BoardCommandTest, BadKeyOrValueWritesNothing) {
-    ASSERT_EQ(veskdm.run({"board", "show"}).status, 0);  // makes the description
+    ASSERT_EQ(veskdm.run({"board", "show"}).status, 0);  // makes the product file
     const std::string before = vesk::test::readFile(productFile());
     const std::vector<std::pair<std::vector<std::string>, std::string>> cases = {
             {{"board", "set", "colour", "red"}, "veskdm: unknown product key colour"},

@@ -37,7 +37,7 @@ std::string checkProductValue(const ProductField& field, const std::string& valu
 
 using ProductDescription = std::map<std::string, std::string>;
 
-// The description in the root, written with the factory values first if it is missing. Keys
+// The product description in the root, written with the factory values first if it is missing. Keys
 // missing from the file read as their factory value.
 ProductDescription loadProductDescription();
 // Sets one key after checking it (under the board's file lock). Returns the reason for a
