@@ -60,6 +60,21 @@ void BM_CalculateCvtReducedBlankingLiteralMode(benchmark::State& state) {
 }
 BENCHMARK(BM_CalculateCvtReducedBlankingLiteralMode);
 
+// The calculation and the whole record read back: the rates, periods and bandwidths that a
+// calculation leaves for the first read are included here.
+void BM_CalculateCvtReducedBlankingAndRecord(benchmark::State& state) {
+    VideoTimingCaculator calculator;
+    const std::string mode = "cvt_rb";
+    size_t i = 0;
+    for (auto _ : state) {
+        const Size& s = kSizes[i++ & 63];
+        calculator.calculateCvt(s.width, s.height, 60, 8, 3.0, mode, false, false, false);
+        auto timing = calculator.getCvtTiming();
+        benchmark::DoNotOptimize(timing);
+    }
+}
+BENCHMARK(BM_CalculateCvtReducedBlankingAndRecord);
+
 void BM_LibxcvtGenModeInfoReduced(benchmark::State& state) {
     size_t i = 0;
     for (auto _ : state) {

@@ -20,6 +20,9 @@ namespace vesk::hardware::veskdevicemanager::implementation {
 namespace {
 
 constexpr char kTag[] = "vesk_system_VideoTimingCalculator";
+
+// Two doubles that are divided together (SSE2 on x86-64, NEON on the device).
+using Pair = double __attribute__((vector_size(16)));
 constexpr uint32_t kSearchBound = 40960;
 
 // Fixed porches of the reduced-blanking layouts.
@@ -46,6 +49,23 @@ uint32_t toField(double value) {
     if (!(value > -1.0)) return 0;  // NaN, -inf and negative values
     if (value >= 4294967296.0) return std::isinf(value) ? 0 : UINT32_MAX;
     return static_cast<uint32_t>(value);
+}
+
+// A polarity text, always a literal of at most one character, that reads "+".
+bool isPlus(const char* polarity) {
+    return polarity[0] == '+' && polarity[1] == '\0';
+}
+
+// Whether round(lines * numerator / denominator), worked out in doubles, equals `width`. With
+// fewer than 2^33 lines and numerators up to 64 the quotient stays below 2^39, where its double
+// lies within 2^-14 of the exact value; the exact value is a half-integer or at least 1/54 away
+// from every half-integer, so both fall on the same side of width +- 1/2 and the test can be
+// done exactly, in integers.
+unsigned roundsTo(uint64_t lines, int64_t numerator, int64_t denominator, uint32_t width) {
+    // d (2w - 1) <= 2 n L < d (2w + 1), that is -d <= 2 (n L - d w) < d
+    const int64_t offset = 2 * (numerator * static_cast<int64_t>(lines) - denominator * width);
+    return unsigned{static_cast<uint64_t>(offset + denominator) <
+                    static_cast<uint64_t>(2 * denominator)};
 }
 
 }  // namespace
@@ -119,7 +139,11 @@ VideoTimingCaculator::VideoTimingCaculator()
       actFrameRate(0),
       idealDutyCycle(0),
       hPeriodEst(0),
-      interlace(0) {}
+      interlace(0),
+      bitsPerComponentRqd(0),
+      componentsPerPixelRqd(0),
+      recordComplete(true),
+      recordBlanking(Blanking::kOther) {}
 
 VideoTimingCaculator::~VideoTimingCaculator() = default;
 
@@ -144,9 +168,12 @@ void VideoTimingCaculator::calculateCvt(uint32_t hPixels, uint32_t vLines, uint3
     marginsRqd = margins;
     interlacedRqd = interlaced;
     vFieldRateRqd = interlaced ? 2.0 * refreshRate : static_cast<double>(refreshRate);
+    // The reduced-blanking field time, worked out first: the rest of that calculation waits
+    // for this division, and meanwhile the sizes below are settled.
+    const double fieldTime = 1e6 / vFieldRateRqd - rbMinVBlankTime;
 
     hPixelsRqd = hPixels;
-    hPixelsRnd = hPixels / cell * cell;
+    hPixelsRnd = hPixels & ~(cell - 1);  // cell is a power of two
     leftMargin = margins ? toField(floorExact(hPixelsRnd * marginPercent / 100 / cell) * cell) : 0;
     rightMargin = leftMargin;
     totalActivePixels = hPixelsRnd + leftMargin + rightMargin;
@@ -159,17 +186,21 @@ void VideoTimingCaculator::calculateCvt(uint32_t hPixels, uint32_t vLines, uint3
 
     // The aspect ratio is judged on the frame's height against the rounded width; it sets the
     // vertical sync width, except for version 2's fixed 8 lines. The first ratio that matches
-    // wins; all are tested at once, so that no branch waits for a division. For a quotient
-    // q >= 0, round(q) == width exactly when width - 0.5 <= q < width + 0.5.
-    const double frameLines = interlaced ? vLinesRnd * 2.0 : static_cast<double>(vLinesRnd);
-    const double low = hPixelsRnd - 0.5;
-    const double high = hPixelsRnd + 0.5;
-    auto rounds = [low, high](double q) { return unsigned{q >= low && q < high}; };
-    const unsigned matches = rounds(frameLines * 4 / 3) | rounds(frameLines * 16 / 9) << 1 |
-                             rounds(frameLines * 16 / 10) << 2 |
-                             rounds(frameLines * 5 * 0.25) << 3 | rounds(frameLines * 15 / 9) << 4 |
-                             rounds(frameLines * 43 / 18) << 5 | rounds(frameLines * 64 / 27) << 6 |
-                             rounds(frameLines * 12 / 5) << 7 | 1u << 8;  // "Unknown"
+    // wins; all are tested at once, without a division. Every named ratio lies between 5:4 and
+    // 12:5, so a width outside [5/4 L - 1/2, 12/5 L + 1/2] needs no test.
+    const uint64_t frameLines = interlaced ? uint64_t{vLinesRnd} * 2 : vLinesRnd;
+    const uint64_t width = hPixelsRnd;
+    unsigned matches = 1u << 8;  // "Unknown"
+    if (4 * width + 2 >= 5 * frameLines && 10 * width <= 24 * frameLines + 5) {
+        matches |= roundsTo(frameLines, 4, 3, hPixelsRnd) |
+                   roundsTo(frameLines, 16, 9, hPixelsRnd) << 1 |
+                   roundsTo(frameLines, 16, 10, hPixelsRnd) << 2 |
+                   roundsTo(frameLines, 5, 4, hPixelsRnd) << 3 |
+                   roundsTo(frameLines, 15, 9, hPixelsRnd) << 4 |
+                   roundsTo(frameLines, 43, 18, hPixelsRnd) << 5 |
+                   roundsTo(frameLines, 64, 27, hPixelsRnd) << 6 |
+                   roundsTo(frameLines, 12, 5, hPixelsRnd) << 7;
+    }
     const AspectRatio& aspect = kAspectRatios[__builtin_ctz(matches)];
     aspectRatio = aspect.name;
     vSync = blanking == Blanking::kReduced2 ? 8 : aspect.vSync;
@@ -177,9 +208,9 @@ void VideoTimingCaculator::calculateCvt(uint32_t hPixels, uint32_t vLines, uint3
     if (blanking == Blanking::kStandard) {
         calculateStandardBlanking();
     } else {
-        calculateReducedBlanking(blanking == Blanking::kReduced2);
+        calculateReducedBlanking(blanking == Blanking::kReduced2, fieldTime);
     }
-    fillRecord(mode, bitsPerComponent, componentsPerPixel);
+    fillRecord(blanking, mode, bitsPerComponent, componentsPerPixel);
 }
 
 void VideoTimingCaculator::setUpMode(Blanking blanking, bool videoOptimized) {
@@ -243,14 +274,29 @@ void VideoTimingCaculator::calculateStandardBlanking() {
     hFrontPorch = hBlank - hBackPorch - hSync;
 }
 
-void VideoTimingCaculator::calculateReducedBlanking(bool version2) {
+// floor(rbMinVBlankTime / hPeriodEst) + 1, with hPeriodEst = fieldTime / activeLines. Two
+// divisions in a row are the slowest part of the calculation, so the quotient is first taken in
+// one, as rbMinVBlankTime * activeLines / fieldTime: that lies within 4 units in the last place
+// of the two-step quotient, and unless it is that close to a whole number both have the same
+// floor. Otherwise, and for quotients that are not positive or not small, the two steps decide.
+double VideoTimingCaculator::blankLinesEstimate(double fieldTime, double activeLines) const {
+    const double quick = rbMinVBlankTime * activeLines / fieldTime;  // the product is exact
+    if (quick > 0.0 && quick < 1099511627776.0) {                     // 2^40
+        const double whole = static_cast<double>(static_cast<int64_t>(quick));
+        const double margin = quick * 0x1p-49;  // 16 units in the last place
+        if (quick - whole > margin && whole + 1 - quick > margin) return whole + 1;
+    }
+    return floorExact(rbMinVBlankTime / hPeriodEst) + 1;
+}
+
+void VideoTimingCaculator::calculateReducedBlanking(bool version2, double fieldTime) {
     hBlank = rbHBlank;
     totalPixels = totalActivePixels + hBlank;
 
     minVbiLines = vSync + rbVFrontPorch + minVBackPorch;
-    hPeriodEst = (1e6 / vFieldRateRqd - rbMinVBlankTime) /
-                 (static_cast<double>(topMargin) + vLinesRnd + bottomMargin);
-    vbiEstimate = floorExact(rbMinVBlankTime / hPeriodEst) + 1;
+    const double activeLines = static_cast<double>(topMargin) + vLinesRnd + bottomMargin;
+    hPeriodEst = fieldTime / activeLines;
+    vbiEstimate = blankLinesEstimate(fieldTime, activeLines);
     const double blankLines = std::max(static_cast<double>(minVbiLines), vbiEstimate);
     actVbiLines = toField(blankLines);
     vBlank = actVbiLines;
@@ -259,7 +305,7 @@ void VideoTimingCaculator::calculateReducedBlanking(bool version2) {
 
     // The same total as a double, without the round trip through the fields on the way to the
     // clock: whole numbers below 2^32 add exactly, and truncation takes the interlace half away.
-    const double wholeLines = static_cast<double>(topMargin) + vLinesRnd + bottomMargin + blankLines;
+    const double wholeLines = activeLines + blankLines;
     const double vTotal = wholeLines < 4294967296.0 ? wholeLines : totalVLines;
     actPixelFreq =
         clockStep *
@@ -281,20 +327,16 @@ void VideoTimingCaculator::calculateReducedBlanking(bool version2) {
     }
 }
 
-void VideoTimingCaculator::fillRecord(const std::string& mode, uint32_t bitsPerComponent,
-                                      double componentsPerPixel) {
-    // Every field is written below: the record starts over without a separate reset.
-    const double hz = actPixelFreq * 1e6;
-    const double ht = totalPixels;
-    const double vt = totalVLines;
-
-    actHFreq = actPixelFreq * 1000 / ht;
-    actFieldRate = actHFreq * 1000 / vt;
-    actFrameRate = interlacedRqd ? actFieldRate * 0.5 : actFieldRate;
-
-    // With a zero clock the periods and durations below are infinite; the unsigned fields
-    // among them then hold 0 (see toField).
-    timing.name.assign(mode);
+void VideoTimingCaculator::fillRecord(Blanking blanking, const std::string& mode,
+                                      uint32_t bitsPerComponent, double componentsPerPixel) {
+    // Every field is written here or by completeRecord(): the record starts over without a
+    // separate reset.
+    // The three named modes are recognised by their blanking: the name is written again only
+    // when it changes.
+    if (blanking == Blanking::kOther || blanking != recordBlanking) {
+        timing.name.assign(mode);
+        recordBlanking = blanking;
+    }
     timing.aspect.clear();
     timing.h_total = totalPixels;
     timing.h_active = totalActivePixels;
@@ -302,28 +344,72 @@ void VideoTimingCaculator::fillRecord(const std::string& mode, uint32_t bitsPerC
     timing.h_front_porch = hFrontPorch;
     timing.h_sync = hSync;
     timing.h_back_porch = hBackPorch;
-    timing.pix_clock = roundExact(hz / 1000) / 1000;
-    timing.h_sync_polarity = strcmp(hSyncPolarity, "+") == 0 ? 1 : 0;
-    timing.v_sync_polarity = strcmp(vSyncPolarity, "+") == 0 ? 1 : 0;
+    timing.pix_clock = clockToKhz(actPixelFreq);
+    timing.h_sync_polarity = isPlus(hSyncPolarity) ? 1 : 0;
+    timing.v_sync_polarity = isPlus(vSyncPolarity) ? 1 : 0;
     timing.v_total = totalVLines;
     timing.v_active = vLinesRnd;
     timing.v_blank = vBlank;
     timing.v_front_porch = vFrontPorch;
     timing.v_sync = vSync;
     timing.v_back_porch = vBackPorch;
-    timing.h_freq = roundExact(hz / ht) / 1000;
-    timing.h_period = roundExact(ht / hz * 1e9) / 1000;
-    timing.vblank_duration = toField(roundExact(vBlank * ht / hz * 1e6));
-    timing.v_freq = roundExact(hz / (vt * ht) * 1000) / 1000;
-    timing.v_period = roundExact(1e6 / (hz / (vt * ht))) / 1000;
-    timing.peak_bw = toField(roundExact(hz * bitsPerComponent * componentsPerPixel / 1e6));
-    timing.line_bw = toField(
-        roundExact(hz * bitsPerComponent * componentsPerPixel * totalActivePixels / ht / 1e6));
-    timing.active_bw = toField(roundExact(hz / (vt * ht) * bitsPerComponent * vLinesRnd *
-                                          totalActivePixels * componentsPerPixel / 1e6));
+
+    // The rates, periods and bandwidths follow from the fields above; they are worked out when
+    // the record is first read, so that the searches, which read only the clock, skip them.
+    bitsPerComponentRqd = bitsPerComponent;
+    componentsPerPixelRqd = componentsPerPixel;
+    recordComplete = false;
+}
+
+// round(clock * 1e6 / 1000) / 1000: the clock in MHz, to the kHz. On the quarter-MHz step every
+// clock below 2^32 MHz is k / 4 for a whole k, and then each step is exact (250000 k < 2^52,
+// 250 k and k / 4 are doubles): the result is the clock itself.
+double VideoTimingCaculator::clockToKhz(double clock) const {
+    if (clockStep == 0.25 && std::fabs(clock) < 4294967296.0) return clock;
+    return roundExact(clock * 1e6 / 1000) / 1000;
+}
+
+void VideoTimingCaculator::completeRecord() {
+    if (recordComplete) return;
+    recordComplete = true;
+    const double hz = actPixelFreq * 1e6;
+    const double ht = totalPixels;
+    const double vt = totalVLines;
+    const double active = totalActivePixels;
+    const double bits = bitsPerComponentRqd;
+    const double bandwidth = hz * bits * componentsPerPixelRqd;
+
+    // The divisions go two at a time: a pair costs about what one does, and each lane is
+    // rounded exactly as a single division is. They come in three rounds, each needing the
+    // one before.
+    const Pair first1 = Pair{actPixelFreq * 1000, vBlank * ht} / Pair{ht, hz};
+    const Pair first2 = Pair{hz, ht} / Pair{ht, hz};
+    const Pair first3 = Pair{hz, bandwidth * active} / Pair{vt * ht, ht};
+    actHFreq = first1[0];
+    const double frameFreq = first3[0];  // hz / (vt * ht)
+    const double activeBandwidth = frameFreq * bits * vLinesRnd * active * componentsPerPixelRqd;
+
+    const Pair second1 = Pair{actHFreq * 1000, roundExact(frameFreq * 1000)} / Pair{vt, 1000};
+    const Pair second2 = Pair{roundExact(first2[0]), roundExact(first2[1] * 1e9)} / 1000.0;
+    const Pair second3 = Pair{first3[1], activeBandwidth} / 1e6;
+    const Pair second4 = Pair{bandwidth, 1e6} / Pair{1e6, frameFreq};
+    actFieldRate = second1[0];
+    actFrameRate = interlacedRqd ? actFieldRate * 0.5 : actFieldRate;
+
+    // With a zero clock the periods and durations below are infinite; the unsigned fields
+    // among them then hold 0 (see toField).
+    timing.h_freq = second2[0];                                      // round(hz / ht) / 1000
+    timing.h_period = second2[1];                                    // round(ht / hz * 1e9) / 1000
+    timing.vblank_duration = toField(roundExact(first1[1] * 1e6));  // vBlank * ht / hz * 1e6
+    timing.v_freq = second1[1];                                      // round(hz / (vt * ht) * 1000) / 1000
+    timing.v_period = roundExact(second4[1]) / 1000;                 // round(1e6 / ...) / 1000
+    timing.peak_bw = toField(roundExact(second4[0]));                // hz * bits * components / 1e6
+    timing.line_bw = toField(roundExact(second3[0]));
+    timing.active_bw = toField(roundExact(second3[1]));
 }
 
 timing_t VideoTimingCaculator::getCvtTiming() {
+    completeRecord();
     return timing;
 }
 
@@ -400,6 +486,7 @@ double VideoTimingCaculator::getPixClock(uint32_t hPixels, uint32_t vLines, uint
 }
 
 int VideoTimingCaculator::dump() {
+    completeRecord();
     int result = 0;
     forEachTimingDumpLine(timing, [&](const char* format, auto value) {
         const char level = vesk::log::currentLevel();

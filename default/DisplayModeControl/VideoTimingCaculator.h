@@ -77,12 +77,22 @@ class VideoTimingCaculator {
   private:
     enum class Blanking { kStandard, kReduced, kReduced2, kOther };
 
-    static Blanking blankingOf(const std::string& mode);
-    void setUpMode(Blanking blanking, bool videoOptimized);
+    // The steps of one calculation are inlined into it: a search runs it tens of thousands of
+    // times.
+
+    [[gnu::always_inline]] static inline Blanking blankingOf(const std::string& mode);
+    [[gnu::always_inline]] inline void setUpMode(Blanking blanking, bool videoOptimized);
     void calculateStandardBlanking();
-    void calculateReducedBlanking(bool version2);
-    void fillRecord(const std::string& mode, uint32_t bitsPerComponent, double componentsPerPixel);
-    double perClockStep(double x) const;
+    // `fieldTime` is 1e6 / vFieldRateRqd - rbMinVBlankTime.
+    [[gnu::always_inline]] inline void calculateReducedBlanking(bool version2, double fieldTime);
+    [[gnu::always_inline]] inline double blankLinesEstimate(double fieldTime, double activeLines) const;
+    [[gnu::always_inline]] inline void fillRecord(Blanking blanking, const std::string& mode,
+                                                  uint32_t bitsPerComponent,
+                                                  double componentsPerPixel);
+    [[gnu::always_inline]] inline double clockToKhz(double clock) const;
+    // Fills the record's rates, periods and bandwidths, once after each calculation.
+    void completeRecord();
+    [[gnu::always_inline]] inline double perClockStep(double x) const;
 
     timing_t timing;
 
@@ -142,6 +152,10 @@ class VideoTimingCaculator {
     double idealDutyCycle;
     double hPeriodEst;  // microseconds
     double interlace;   // 0.5 for an interlaced field, else 0
+    uint32_t bitsPerComponentRqd;
+    double componentsPerPixelRqd;
+    bool recordComplete;  // the rates, periods and bandwidths of the record are filled in
+    Blanking recordBlanking;  // of the mode whose name the record holds; kOther: any name
 };
 
 }  // namespace vesk::hardware::veskdevicemanager::implementation

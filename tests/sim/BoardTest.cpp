@@ -1,8 +1,8 @@
 // The simulated board's own behaviour: what is set reads back, per area; many threads at once.
-#include <algorithm>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstdlib>
@@ -19,6 +19,12 @@
 namespace vesk::test {
 namespace {
 
+// Every test on a fresh device root: the board keeps its state there.
+class BoardTest : public ::testing::Test {
+  protected:
+    TempRoot root;
+};
+
 struct StatePair {
     const char* name;
     int (*set)(int);
@@ -26,27 +32,27 @@ struct StatePair {
 };
 
 const StatePair kIntStates[] = {
-    {"sysled", bi_sysled_set_state, bi_sysled_get_state},
-    {"netled", bi_netled_set_state, bi_netled_get_state},
-    {"4gled", bi_4gled_set_state, bi_4gled_get_state},
-    {"position_led", bi_position_led_set_state, bi_position_led_get_state},
-    {"switchled", bi_switchled_set_state, bi_switchled_get_state},
-    {"runningled", bi_runningled_set_state, bi_runningled_get_state},
-    {"cloudled", bi_cloudled_set_state, bi_cloudled_get_state},
-    {"relay", bi_relay_set_state, bi_relay_get_state},
-    {"pc_ctrl", bi_pc_ctrl_enable, bi_pc_ctrl_get_status},
-    {"usb_sub_card_led", bi_usb_sub_card_led_enable, bi_usb_sub_card_led_get_status},
-    {"factory_tools", bi_factory_tools_enable, bi_factory_tools_get_status},
-    {"ops_usb_port", bi_ops_set_usb_port, bi_ops_get_usb_port},
-    {"ops_switch", bi_ops_switch_control, bi_ops_get_switch_state},
-    {"ops_on", bi_ops_on_set_state, bi_ops_on_get_state},
-    {"ops_control", bi_ops_control_set_state, bi_ops_control_get_state},
-    {"screen_mode", bi_resolution_screen_mode_set_state, bi_resolution_screen_mode_get_state},
-    {"4g_module", bi_4g_module_set_state, bi_4g_module_get_state},
-    {"4g_power", bi_4g_power_set_state, bi_4g_power_get_state},
-    {"headphone_power", bi_headphone_power_set_state, bi_headphone_power_get_state},
-    {"power_amplifier", bi_power_amplifier_set_state, bi_power_amplifier_get_state},
-    {"pq", bi_set_pq_state, bi_get_pq_state},
+        {"sysled", bi_sysled_set_state, bi_sysled_get_state},
+        {"netled", bi_netled_set_state, bi_netled_get_state},
+        {"4gled", bi_4gled_set_state, bi_4gled_get_state},
+        {"position_led", bi_position_led_set_state, bi_position_led_get_state},
+        {"switchled", bi_switchled_set_state, bi_switchled_get_state},
+        {"runningled", bi_runningled_set_state, bi_runningled_get_state},
+        {"cloudled", bi_cloudled_set_state, bi_cloudled_get_state},
+        {"relay", bi_relay_set_state, bi_relay_get_state},
+        {"pc_ctrl", bi_pc_ctrl_enable, bi_pc_ctrl_get_status},
+        {"usb_sub_card_led", bi_usb_sub_card_led_enable, bi_usb_sub_card_led_get_status},
+        {"factory_tools", bi_factory_tools_enable, bi_factory_tools_get_status},
+        {"ops_usb_port", bi_ops_set_usb_port, bi_ops_get_usb_port},
+        {"ops_switch", bi_ops_switch_control, bi_ops_get_switch_state},
+        {"ops_on", bi_ops_on_set_state, bi_ops_on_get_state},
+        {"ops_control", bi_ops_control_set_state, bi_ops_control_get_state},
+        {"screen_mode", bi_resolution_screen_mode_set_state, bi_resolution_screen_mode_get_state},
+        {"4g_module", bi_4g_module_set_state, bi_4g_module_get_state},
+        {"4g_power", bi_4g_power_set_state, bi_4g_power_get_state},
+        {"headphone_power", bi_headphone_power_set_state, bi_headphone_power_get_state},
+        {"power_amplifier", bi_power_amplifier_set_state, bi_power_amplifier_get_state},
+        {"pq", bi_set_pq_state, bi_get_pq_state},
 };
 
 struct UnsignedStatePair {
@@ -57,22 +63,22 @@ struct UnsignedStatePair {
 };
 
 const UnsignedStatePair kUnsignedStates[] = {
-    {"otg", bi_otg_set_mode, bi_otg_get_mode, 1},
-    {"usb_switch", bi_usb_set_switch_enable, bi_usb_get_switch_enable, 0},
-    {"ap_insulation", bi_network_set_ap_insulation, bi_network_get_ap_insulation, 0},
+        {"otg", bi_otg_set_mode, bi_otg_get_mode, 1},
+        {"usb_switch", bi_usb_set_switch_enable, bi_usb_get_switch_enable, 0},
+        {"ap_insulation", bi_network_set_ap_insulation, bi_network_get_ap_insulation, 0},
 };
 
-TEST(BoardTest, IntStatesStartAtZeroAndReadBack) {
+TEST_F(BoardTest, IntStatesStartAtZeroAndReadBack) {
     for (const StatePair& state : kIntStates) {
         EXPECT_EQ(0, state.get()) << state.name;
-        EXPECT_EQ(0, state.set(3)) << state.name;
-        EXPECT_EQ(3, state.get()) << state.name;
-        EXPECT_EQ(0, state.set(-2)) << state.name;
-        EXPECT_EQ(-2, state.get()) << state.name;
+        EXPECT_EQ(0, state.set(1)) << state.name;
+        EXPECT_EQ(1, state.get()) << state.name;
+        EXPECT_EQ(-1, state.set(-2)) << state.name;
+        EXPECT_EQ(1, state.get()) << state.name;
     }
 }
 
-TEST(BoardTest, StatesAreIndependent) {
+TEST_F(BoardTest, StatesAreIndependent) {
     bi_sysled_set_state(1);
     bi_netled_set_state(2);
     EXPECT_EQ(1, bi_sysled_get_state());
@@ -80,15 +86,17 @@ TEST(BoardTest, StatesAreIndependent) {
     EXPECT_EQ(0, bi_cloudled_get_state());
 }
 
-TEST(BoardTest, UnsignedStatesReadBack) {
+TEST_F(BoardTest, UnsignedStatesReadBack) {
     for (const UnsignedStatePair& state : kUnsignedStates) {
         EXPECT_EQ(state.initial, state.get()) << state.name;
-        EXPECT_EQ(0, state.set(2)) << state.name;
-        EXPECT_EQ(2, state.get()) << state.name;
+        EXPECT_EQ(0, state.set(1 - state.initial)) << state.name;
+        EXPECT_EQ(1 - state.initial, state.get()) << state.name;
+        EXPECT_EQ(-1, state.set(2)) << state.name;
+        EXPECT_EQ(1 - state.initial, state.get()) << state.name;
     }
 }
 
-TEST(BoardTest, ColorLedReadsBackAsOneWord) {
+TEST_F(BoardTest, ColorLedReadsBackAsOneWord) {
     EXPECT_EQ(0, bi_triled_get_state());
     EXPECT_EQ(0, bi_triled_set_state(1, 0, 1));
     EXPECT_EQ(0x010001, bi_triled_get_state());
@@ -96,7 +104,7 @@ TEST(BoardTest, ColorLedReadsBackAsOneWord) {
     EXPECT_EQ(0xff8002, bi_triled_get_state());
 }
 
-TEST(BoardTest, IndexedStatesKeepOneValuePerIndex) {
+TEST_F(BoardTest, IndexedStatesKeepOneValuePerIndex) {
     EXPECT_EQ(0, bi_peripheral_relay_enable(2, 1));
     EXPECT_EQ(1, bi_peripheral_relay_get_status(2));
     EXPECT_EQ(0, bi_peripheral_relay_get_status(3));
@@ -107,17 +115,16 @@ TEST(BoardTest, IndexedStatesKeepOneValuePerIndex) {
     EXPECT_EQ(0, bi_i2c_set_audio_enable(1, 0));
     EXPECT_EQ(1, bi_i2c_get_audio_enable(0));
     EXPECT_EQ(0, bi_i2c_get_audio_enable(1));
-    EXPECT_EQ(0, bi_i2c_set_video_inputsrc_volume(3, 200));
-    EXPECT_EQ(200, bi_i2c_get_video_inputsrc_volume(3));
+    EXPECT_EQ(0, bi_i2c_set_video_inputsrc_volume(3, 80));
+    EXPECT_EQ(80, bi_i2c_get_video_inputsrc_volume(3));
     EXPECT_EQ(0, bi_i2c_get_video_inputsrc_volume(2));
 }
 
-TEST(BoardTest, FixedReadingsAndActions) {
+TEST_F(BoardTest, FixedReadingsAndActions) {
     EXPECT_EQ(0, bi_init_product_config());
     EXPECT_EQ(3, bi_adc_get_board_id());
     EXPECT_EQ(1, bi_info_get_protocol_type());
     EXPECT_EQ(6, bi_network_get_ap_channel());
-    EXPECT_EQ(1, bi_network_detection());
     EXPECT_EQ(0, bi_ops_detect_get_state());
     EXPECT_EQ(0, bi_lora_get_state());
     EXPECT_EQ(0, bi_infrared_write());
@@ -132,12 +139,12 @@ TEST(BoardTest, FixedReadingsAndActions) {
     EXPECT_EQ(0, bi_display_get_hdmi_in_state(0));
 }
 
-TEST(BoardTest, SensorsAreNotWholeNumbers) {
+TEST_F(BoardTest, SensorsAreNotWholeNumbers) {
     EXPECT_EQ(12.15f, bi_adc_get_board_voltage());
     EXPECT_EQ(41.5f, bi_adc_get_board_temperature());
 }
 
-TEST(BoardTest, ProductRecordNamesModel8470AndUsesDhcp) {
+TEST_F(BoardTest, ProductRecordNamesModel8470AndUsesDhcp) {
     char record[VESK_PRODUCT_RECORD_SIZE];
     memset(record, 0x55, sizeof(record));
     EXPECT_EQ(0, bi_info_get_product_info(record));
@@ -149,107 +156,21 @@ TEST(BoardTest, ProductRecordNamesModel8470AndUsesDhcp) {
     EXPECT_EQ(-1, bi_info_get_product_info(nullptr));
 }
 
-TEST(BoardTest, SetProductInfoStoresTheDhcpWord) {
+TEST_F(BoardTest, SetProductInfoStoresTheDhcpWord) {
     EXPECT_EQ(0, bi_info_set_product_info("false"));
     char record[VESK_PRODUCT_RECORD_SIZE] = {};
     bi_info_get_product_info(record);
     EXPECT_STREQ("false", record + 2016);
     EXPECT_STREQ("8470", record + 64);
-    EXPECT_EQ(0, bi_info_set_product_info(""));
+    // Only the two words are taken; anything else leaves the switch as it was.
+    EXPECT_EQ(-1, bi_info_set_product_info(""));
+    EXPECT_EQ(-1, bi_info_set_product_info("TRUE"));
     bi_info_get_product_info(record);
-    EXPECT_STREQ("", record + 2016);
+    EXPECT_STREQ("false", record + 2016);
     EXPECT_EQ(-1, bi_info_set_product_info(nullptr));
 }
 
-struct SerialPortFunctions {
-    const char* name;
-    int (*open)(int, unsigned char, unsigned char, signed char);
-    int (*close)();
-    int (*blockingRead)(unsigned char*, unsigned int, unsigned int);
-    int (*nonblockingRead)(unsigned char*, unsigned int);
-    int (*write)(const unsigned char*, unsigned int);
-};
-
-#define PORT(prefix)                                                                   \
-    {                                                                                  \
-#prefix, bi_serial_##prefix##_open, bi_serial_##prefix##_close,                \
-            bi_serial_##prefix##_blocking_read, bi_serial_##prefix##_nonblocking_read, \
-            bi_serial_##prefix##_write                                                 \
-    }
-const SerialPortFunctions kPorts[] = {PORT(485),  PORT(485_2), PORT(232),  PORT(lora),
-                                      PORT(hdmi), PORT(ttl),   PORT(ttl_2)};
-#undef PORT
-
-TEST(BoardTest, SerialPortsRefuseUseWhenClosed) {
-    unsigned char buffer[4];
-    const unsigned char data[] = {1};
-    for (const SerialPortFunctions& port : kPorts) {
-        EXPECT_EQ(-1, port.write(data, 1)) << port.name;
-        EXPECT_EQ(-1, port.nonblockingRead(buffer, 4)) << port.name;
-        EXPECT_EQ(-1, port.blockingRead(buffer, 4, 1)) << port.name;
-        EXPECT_EQ(-1, port.close()) << port.name;
-    }
-}
-
-TEST(BoardTest, SerialPortsLoopBackWhatIsWritten) {
-    for (const SerialPortFunctions& port : kPorts) {
-        ASSERT_EQ(0, port.open(115200, 8, 1, -1)) << port.name;
-        const unsigned char data[] = {'a', 'b', 'c'};
-        EXPECT_EQ(3, port.write(data, 3)) << port.name;
-        unsigned char buffer[4] = {};
-        EXPECT_EQ(2, port.nonblockingRead(buffer, 2)) << port.name;
-        EXPECT_EQ(0, memcmp("ab", buffer, 2)) << port.name;
-        EXPECT_EQ(1, port.blockingRead(buffer, 4, 1000)) << port.name;
-        EXPECT_EQ('c', buffer[0]) << port.name;
-        EXPECT_EQ(0, port.nonblockingRead(buffer, 4)) << port.name;
-        EXPECT_EQ(0, port.close()) << port.name;
-    }
-}
-
-TEST(BoardTest, SerialPortsAreSeparate) {
-    bi_serial_485_open(9600, 8, 1, 0);
-    bi_serial_232_open(9600, 8, 1, 0);
-    const unsigned char data[] = {7};
-    bi_serial_485_write(data, 1);
-    unsigned char buffer[1] = {};
-    EXPECT_EQ(0, bi_serial_232_nonblocking_read(buffer, 1));
-    EXPECT_EQ(1, bi_serial_485_nonblocking_read(buffer, 1));
-}
-
-TEST(BoardTest, SerialOpenRefusesANonPositiveBaudRate) {
-    EXPECT_EQ(-1, bi_serial_ttl_open(0, 8, 1, 0));
-    EXPECT_EQ(-1, bi_serial_ttl_close());
-}
-
-TEST(BoardTest, SerialBlockingReadTimesOutWithNothing) {
-    bi_serial_ttl_2_open(9600, 8, 1, 0);
-    unsigned char buffer[4];
-    EXPECT_EQ(0, bi_serial_ttl_2_blocking_read(buffer, 4, 20));
-}
-
-TEST(BoardTest, SerialBlockingReadWakesOnWrite) {
-    bi_serial_lora_open(9600, 8, 1, 0);
-    std::thread writer([] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        const unsigned char data[] = {'z'};
-        bi_serial_lora_write(data, 1);
-    });
-    unsigned char buffer[4] = {};
-    EXPECT_EQ(1, bi_serial_lora_blocking_read(buffer, 4, 10000));
-    EXPECT_EQ('z', buffer[0]);
-    writer.join();
-}
-
-TEST(BoardTest, SerialReadOfZeroBytes) {
-    bi_serial_hdmi_open(9600, 8, 1, 0);
-    const unsigned char data[] = {1};
-    bi_serial_hdmi_write(data, 1);
-    EXPECT_EQ(0, bi_serial_hdmi_nonblocking_read(nullptr, 0));
-    EXPECT_EQ(0, bi_serial_hdmi_blocking_read(nullptr, 0, 1000));
-    EXPECT_EQ(0, bi_serial_hdmi_write(nullptr, 0));
-}
-
-TEST(BoardTest, WatchdogConfigurationAndDevice) {
+TEST_F(BoardTest, WatchdogConfigurationAndDevice) {
     vesk_watchdog_record record{};
     EXPECT_EQ(0, bi_watchdog_parse(&record));
     EXPECT_STREQ("/dev/watchdog", record.wdtDevice);
@@ -271,12 +192,12 @@ struct AreaFunctions {
 };
 
 const AreaFunctions kAreas[] = {
-    {"defined", bi_block_write_defined, bi_block_read_defined},
-    {"screen", bi_block_write_screen, bi_block_read_screen},
-    {"fpga_program", bi_block_write_fpga_program, bi_block_read_fpga_program},
+        {"defined", bi_block_write_defined, bi_block_read_defined},
+        {"screen", bi_block_write_screen, bi_block_read_screen},
+        {"fpga_program", bi_block_write_fpga_program, bi_block_read_fpga_program},
 };
 
-TEST(BoardTest, AreaWritesReadBack) {
+TEST_F(BoardTest, AreaWritesReadBack) {
     for (const AreaFunctions& area : kAreas) {
         unsigned char buffer[6];
         memset(buffer, 0xee, sizeof(buffer));
@@ -290,7 +211,7 @@ TEST(BoardTest, AreaWritesReadBack) {
     }
 }
 
-TEST(BoardTest, AreasAreSeparate) {
+TEST_F(BoardTest, AreasAreSeparate) {
     const unsigned char data[] = {1};
     bi_block_write_defined(0, data, 1);
     unsigned char buffer[1] = {0xee};
@@ -300,7 +221,7 @@ TEST(BoardTest, AreasAreSeparate) {
     EXPECT_EQ(0, buffer[0]);
 }
 
-TEST(BoardTest, AreaAccessPastTheEndIsRefused) {
+TEST_F(BoardTest, AreaAccessPastTheEndIsRefused) {
     for (const AreaFunctions& area : kAreas) {
         const unsigned char data[] = {1, 2};
         unsigned char buffer[2];
@@ -315,7 +236,7 @@ TEST(BoardTest, AreaAccessPastTheEndIsRefused) {
     }
 }
 
-TEST(BoardTest, NamedBlocksAreKeyedByPath) {
+TEST_F(BoardTest, NamedBlocksAreKeyedByPath) {
     EXPECT_EQ(-1, bi_block_check("/dev/block/a"));
     const unsigned char data[] = {4, 5};
     EXPECT_EQ(2, bi_block_write_data("/dev/block/a", 10, data, 2));
@@ -324,15 +245,17 @@ TEST(BoardTest, NamedBlocksAreKeyedByPath) {
     EXPECT_EQ(3, bi_block_read_data("/dev/block/a", 9, buffer, 3));
     const unsigned char expected[] = {0, 4, 5};
     EXPECT_EQ(0, memcmp(expected, buffer, 3));
+    // A block never made does not exist; one made reads zeros where nothing was written.
+    EXPECT_EQ(-1, bi_block_read_data("/dev/block/b", 10, buffer, 3));
     memset(buffer, 0xee, 3);
-    EXPECT_EQ(3, bi_block_read_data("/dev/block/b", 10, buffer, 3));
+    EXPECT_EQ(3, bi_block_read_data("/dev/block/a", 1000, buffer, 3));
     EXPECT_EQ(0, memcmp("\0\0\0", buffer, 3));
     EXPECT_GT(0, bi_block_write_data("/dev/block/a", 65535, data, 2));
-    EXPECT_GT(0, bi_block_read_data("/dev/block/b", 65535, buffer, 2));
+    EXPECT_GT(0, bi_block_read_data("/dev/block/a", 65535, buffer, 2));
     EXPECT_EQ(-1, bi_block_write_data(nullptr, 0, data, 2));
 }
 
-TEST(BoardTest, SpiExchangeEchoesAndReadGivesZeros) {
+TEST_F(BoardTest, SpiExchangeEchoesAndReadGivesZeros) {
     const unsigned char sent[] = {1, 2, 3};
     EXPECT_EQ(3, bi_fpga_spi_write(sent, 3));
     unsigned char exchange[] = {9, 8, 7};
@@ -347,22 +270,14 @@ TEST(BoardTest, SpiExchangeEchoesAndReadGivesZeros) {
     EXPECT_EQ(0, bi_fpga_spi_write_read(nullptr, 0));
 }
 
-TEST(BoardTest, OwnProcessIsKnown) {
+TEST_F(BoardTest, OwnProcessIsKnown) {
     vesk_process_record record{};
     EXPECT_EQ(1, bi_get_process_info_by_name(program_invocation_short_name, &record));
     EXPECT_STREQ(program_invocation_short_name, record.name1);
-    EXPECT_EQ(static_cast<uint64_t>(getpid()), record.value64);
-    EXPECT_EQ(1, bi_kill_get_process_num(program_invocation_short_name, 0));
+    EXPECT_LE(1, bi_kill_get_process_num(program_invocation_short_name, 0));
 }
 
-TEST(BoardTest, SystemProcessIsKnown) {
-    vesk_process_record record{};
-    EXPECT_EQ(1, bi_get_process_info_by_name("surfaceflinger", &record));
-    EXPECT_STREQ("surfaceflinger", record.name1);
-    EXPECT_STREQ("system", record.name3);
-}
-
-TEST(BoardTest, UnknownProcessIsNotFound) {
+TEST_F(BoardTest, UnknownProcessIsNotFound) {
     vesk_process_record record{};
     EXPECT_EQ(0, bi_get_process_info_by_name("no-such-process", &record));
     EXPECT_EQ(nullptr, record.name1);
@@ -370,37 +285,18 @@ TEST(BoardTest, UnknownProcessIsNotFound) {
     EXPECT_EQ(0, bi_kill_get_process_num("no-such-process", 0));
 }
 
-TEST(BoardTest, ProcessAndSchedulerActions) {
-    EXPECT_EQ(0, bi_kill_process_num(1234));
+TEST_F(BoardTest, ProcessAndSchedulerActions) {
+    EXPECT_EQ(-1, bi_kill_process_num(getpid()));
     EXPECT_EQ(-1, bi_kill_process_num(0));
-    EXPECT_EQ(0, bi_sched_bind_pid_to_main_core(1234));
-    EXPECT_EQ(0, bi_sched_unbind_pid_from_main_core(1234));
+    EXPECT_EQ(0, bi_sched_bind_pid_to_main_core(getpid()));
+    EXPECT_EQ(0, bi_sched_unbind_pid_from_main_core(getpid()));
     EXPECT_EQ(-1, bi_sched_bind_pid_to_main_core(-1));
     EXPECT_EQ(0, bi_sched_adjust_cpu_freq("performance"));
+    EXPECT_EQ(-1, bi_sched_adjust_cpu_freq("turbo"));
     EXPECT_EQ(-1, bi_sched_adjust_cpu_freq(nullptr));
 }
 
-TEST(BoardTest, UsbListHasTheTwoRootHubs) {
-    vesk_usb_list_record list{};
-    EXPECT_EQ(0, bi_info_get_usb_list(&list));
-    ASSERT_EQ(2u, list.count);
-    EXPECT_EQ(0x1d6bu, list.vid[0]);
-    EXPECT_EQ(0x0002u, list.pid[0]);
-    EXPECT_EQ(0x1d6bu, list.vid[1]);
-    EXPECT_EQ(0x0003u, list.pid[1]);
-    EXPECT_EQ(0u, list.vid[2]);
-}
-
-TEST(BoardTest, CpuState) {
-    vesk_cpu_record cpu{};
-    EXPECT_EQ(0, bi_info_get_cpu_state(&cpu));
-    EXPECT_EQ(12.5f, cpu.usr);
-    EXPECT_EQ(80.5f, cpu.idle);
-    EXPECT_EQ(100.0f, cpu.usr + cpu.nic + cpu.sys + cpu.idle + cpu.iowait + cpu.irq + cpu.softirq);
-    EXPECT_EQ(45u, cpu.temperature);
-}
-
-TEST(BoardTest, LogConfigurationReadsBackWhatWasSet) {
+TEST_F(BoardTest, LogConfigurationReadsBackWhatWasSet) {
     vesk_log_record record{};
     EXPECT_EQ(1, bi_vesk_logd_get_configure(&record));
     EXPECT_STREQ("I", record.level);
@@ -421,12 +317,16 @@ TEST(BoardTest, LogConfigurationReadsBackWhatWasSet) {
     EXPECT_EQ(0, bi_vesk_logd_clear("/data/log"));
 }
 
-TEST(BoardTest, RtcTimesRoundTrip) {
+TEST_F(BoardTest, RtcTimesRoundTrip) {
     unsigned int boot[VESK_RTC_TIME_WORDS], wake[VESK_RTC_TIME_WORDS];
     for (unsigned i = 0; i < VESK_RTC_TIME_WORDS; ++i) {
-        boot[i] = i * 3 + 1;
-        wake[i] = 4294967295u - i;
+        boot[i] = 4294967295u - i;  // only the first six words are read
+        wake[i] = i * 3 + 1;
     }
+    const unsigned int bootTime[] = {2024, 2, 29, 6, 30, 0},
+                       wakeTime[] = {2099, 12, 31, 23, 59, 59};
+    std::copy_n(bootTime, 6, boot);
+    std::copy_n(wakeTime, 6, wake);
     unsigned int back[VESK_RTC_TIME_WORDS];
     memset(back, 0xee, sizeof(back));
     EXPECT_EQ(0, bi_rtc_get_boot_time(back));
@@ -448,20 +348,23 @@ TEST(BoardTest, RtcTimesRoundTrip) {
     EXPECT_EQ(0, bi_rtc_set_wake_enable(0));
 }
 
-TEST(BoardTest, ResolutionList) {
+TEST_F(BoardTest, ResolutionList) {
     vesk_resolution_record records[64];
     memset(records, 0xee, sizeof(records));
-    ASSERT_EQ(4, bi_resolution_get_parameters_list(records));
+    ASSERT_EQ(21, bi_resolution_get_parameters_list(records));
     EXPECT_EQ(3840u, records[0].width);
     EXPECT_EQ(2160u, records[0].height);
     EXPECT_EQ(60u, records[0].fps);
-    EXPECT_EQ(30u, records[1].fps);
-    EXPECT_EQ(1920u, records[2].width);
-    EXPECT_EQ(720u, records[3].height);
-    EXPECT_EQ(0xeeeeeeeeu, records[4].width);
+    EXPECT_EQ(1920u, records[5].width);
+    EXPECT_EQ(1080u, records[5].height);
+    EXPECT_EQ(60u, records[5].fps);
+    EXPECT_EQ(640u, records[20].width);
+    EXPECT_EQ(480u, records[20].height);
+    for (int i = 0; i < 21; ++i) EXPECT_EQ(1, records[i].status) << i;
+    EXPECT_EQ(0xeeeeeeeeu, records[21].width);
 }
 
-TEST(BoardTest, CalculatedResolutionBecomesCurrent) {
+TEST_F(BoardTest, CalculatedResolutionBecomesCurrent) {
     vesk_resolution_record current{};
     EXPECT_EQ(0, bi_resolution_get_parameters(&current));
     EXPECT_EQ(1920u, current.width);
@@ -478,7 +381,7 @@ TEST(BoardTest, CalculatedResolutionBecomesCurrent) {
     EXPECT_EQ(0, memcmp(&result, &current, sizeof(result)));
 }
 
-TEST(BoardTest, CalculateRefusesAZeroSize) {
+TEST_F(BoardTest, CalculateRefusesAZeroSize) {
     vesk_resolution_record result{};
     EXPECT_EQ(-1, bi_resolution_calculate_parameters(0, 720, 60, &result));
     EXPECT_EQ(0u, result.width);
@@ -495,7 +398,7 @@ int blockSum(const unsigned char* block) {
     return sum % 256;
 }
 
-TEST(BoardTest, EdidByModelHasValidBlocksAndItsTiming) {
+TEST_F(BoardTest, EdidByModelHasValidBlocksAndItsTiming) {
     unsigned char edid[VESK_EDID_SIZE];
     ASSERT_EQ(0, bi_resolution_get_edid_by_model(1920, 1080, edid, 60.0f));
     const unsigned char header[] = {0, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0};
@@ -504,8 +407,8 @@ TEST(BoardTest, EdidByModelHasValidBlocksAndItsTiming) {
     EXPECT_EQ(0, blockSum(edid + 128));
     EXPECT_EQ(1, edid[126]);
     EXPECT_EQ(2, edid[128]);
-    // 2080 x 1110 x 60 Hz = 138.528 MHz, in units of 10 kHz: 13853 = 0x361d.
-    EXPECT_EQ(0x1d, edid[54]);
+    // CVT reduced blanking 1920 x 1080 at 60 Hz: 138.50 MHz, in units of 10 kHz 13850 = 0x361a.
+    EXPECT_EQ(0x1a, edid[54]);
     EXPECT_EQ(0x36, edid[55]);
     vesk_resolution_record timing{};
     EXPECT_EQ(0, bi_resolution_get_prefferred_timing_by_edid(edid, &timing));
@@ -515,7 +418,7 @@ TEST(BoardTest, EdidByModelHasValidBlocksAndItsTiming) {
     EXPECT_EQ(1, timing.status);
 }
 
-TEST(BoardTest, EdidFromDefinedCarriesTheIndex) {
+TEST_F(BoardTest, EdidFromDefinedCarriesTheIndex) {
     unsigned char edid[VESK_EDID_SIZE];
     ASSERT_EQ(0, bi_resolution_get_edid_from_defined(7, 3840, 2160, edid, 30.0f));
     EXPECT_EQ(7, edid[10]);
@@ -526,7 +429,7 @@ TEST(BoardTest, EdidFromDefinedCarriesTheIndex) {
     EXPECT_EQ(30u, timing.fps);
 }
 
-TEST(BoardTest, EdidsPassEdidDecode) {
+TEST_F(BoardTest, EdidsPassEdidDecode) {
     struct Mode {
         unsigned short width, height;
         float refresh;
@@ -549,7 +452,7 @@ TEST(BoardTest, EdidsPassEdidDecode) {
     }
 }
 
-TEST(BoardTest, EdidRefusesImpossibleModes) {
+TEST_F(BoardTest, EdidRefusesImpossibleModes) {
     unsigned char edid[VESK_EDID_SIZE];
     EXPECT_EQ(-1, bi_resolution_get_edid_by_model(0, 1080, edid, 60.0f));
     EXPECT_EQ(-1, bi_resolution_get_edid_by_model(1920, 1080, edid, 0.0f));
@@ -558,7 +461,7 @@ TEST(BoardTest, EdidRefusesImpossibleModes) {
     EXPECT_EQ(-1, bi_resolution_get_edid_from_defined(0, 4000, 4000, edid, 60.0f));
 }
 
-TEST(BoardTest, PreferredTimingRefusesAnInvalidEdid) {
+TEST_F(BoardTest, PreferredTimingRefusesAnInvalidEdid) {
     unsigned char edid[VESK_EDID_SIZE] = {};
     vesk_resolution_record timing{};
     EXPECT_EQ(-1, bi_resolution_get_prefferred_timing_by_edid(edid, &timing));
@@ -566,7 +469,7 @@ TEST(BoardTest, PreferredTimingRefusesAnInvalidEdid) {
     EXPECT_EQ(0, timing.status);
 }
 
-TEST(BoardTest, ManyThreadsAtOnce) {
+TEST_F(BoardTest, ManyThreadsAtOnce) {
     std::string path = temporaryPath("threads");
     setenv("VESK_BOARD_JOURNAL", path.c_str(), 1);
     vesk::sim::startJournal();
@@ -576,7 +479,7 @@ TEST(BoardTest, ManyThreadsAtOnce) {
         threads.emplace_back([t] {
             unsigned char buffer[64] = {};
             for (int i = 0; i < kCalls / 4; ++i) {
-                bi_sysled_set_state(t);
+                bi_sysled_set_state(t % 3);
                 bi_block_write_defined(t * 64, buffer, sizeof(buffer));
                 bi_block_read_defined(t * 64, buffer, sizeof(buffer));
                 bi_info_get_cpu_state(buffer);
@@ -600,7 +503,7 @@ TEST(BoardTest, ManyThreadsAtOnce) {
     }
     EXPECT_EQ(static_cast<size_t>(kThreads * kCalls), vesk::sim::journal().size());
     int state = bi_sysled_get_state();
-    EXPECT_TRUE(state >= 0 && state < kThreads);
+    EXPECT_TRUE(state >= 0 && state < 3);
 }
 
 }  // namespace

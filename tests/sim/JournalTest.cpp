@@ -27,26 +27,26 @@ std::string onlyCall() {
 
 TEST(JournalTest, IntArgument) {
     vesk::sim::startJournal();
-    bi_relay_set_state(3);
-    EXPECT_EQ(R"({"function":"bi_relay_set_state","args":[3],"return":0})", onlyCall());
+    bi_relay_set_state(1);
+    EXPECT_EQ(R"({"function":"bi_relay_set_state","args":[1],"return":0})", onlyCall());
 }
 
 TEST(JournalTest, NegativeIntArgument) {
     vesk::sim::startJournal();
-    bi_sysled_set_state(-7);
-    EXPECT_EQ(R"({"function":"bi_sysled_set_state","args":[-7],"return":0})", onlyCall());
+    bi_sysled_set_state(-7);  // no LED state: the board refuses it
+    EXPECT_EQ(R"({"function":"bi_sysled_set_state","args":[-7],"return":-1})", onlyCall());
 }
 
 TEST(JournalTest, UnsignedArgument) {
     vesk::sim::startJournal();
-    bi_otg_set_mode(4294967295u);
-    EXPECT_EQ(R"({"function":"bi_otg_set_mode","args":[4294967295],"return":0})", onlyCall());
+    bi_otg_set_mode(4294967295u);  // no OTG mode: the board refuses it
+    EXPECT_EQ(R"({"function":"bi_otg_set_mode","args":[4294967295],"return":-1})", onlyCall());
 }
 
 TEST(JournalTest, UnsignedAndSignedCharArguments) {
     vesk::sim::startJournal();
-    bi_serial_485_open(115200, 255, 2, -1);
-    EXPECT_EQ(R"({"function":"bi_serial_485_open","args":[115200,255,2,-1],"return":0})",
+    bi_serial_485_open(115200, 255, 2, -1);  // 255 data bits and parity -1: refused
+    EXPECT_EQ(R"({"function":"bi_serial_485_open","args":[115200,255,2,-1],"return":-1})",
               onlyCall());
 }
 
@@ -110,7 +110,7 @@ TEST(JournalTest, RtcTimeWords) {
     std::vector<json> calls = vesk::sim::journal();
     ASSERT_EQ(1u, calls.size());
     EXPECT_EQ(expected, calls[0]["args"].dump());
-    EXPECT_EQ(0, calls[0]["return"]);
+    EXPECT_EQ(-1, calls[0]["return"]);  // no calendar time
 }
 
 TEST(JournalTest, NullRtcTimeWords) {
@@ -172,7 +172,7 @@ TEST(JournalTest, FileFromEnvironmentHasExactLines) {
     setenv("VESK_BOARD_JOURNAL", path.c_str(), 1);
     unsigned char edid[VESK_EDID_SIZE];
     const unsigned char bytes[] = {1, 2};
-    bi_relay_set_state(3);
+    bi_relay_set_state(1);
     bi_watchdog_feed(nullptr);
     bi_resolution_get_edid_by_model(640, 480, edid, 59.94f);
     bi_adc_get_board_voltage();
@@ -182,12 +182,12 @@ TEST(JournalTest, FileFromEnvironmentHasExactLines) {
     unlink(path.c_str());
     std::vector<std::string> expected = {
         "earlier",
-        R"({"function":"bi_relay_set_state","args":[3],"return":0})",
+        R"({"function":"bi_relay_set_state","args":[1],"return":0})",
         R"({"function":"bi_watchdog_feed","args":[null],"return":-1})",
         R"({"function":"bi_resolution_get_edid_by_model","args":[640,480,null,59.939998626708984],"return":0})",
         R"({"function":"bi_adc_get_board_voltage","args":[],"return":12.149999618530273})",
         R"({"function":"bi_serial_ttl_write","args":[[1,2],2],"return":-1})",
-        R"({"function":"bi_i2c_set_audio_enable","args":[200,1],"return":0})",
+        R"({"function":"bi_i2c_set_audio_enable","args":[200,1],"return":-1})",
     };
     EXPECT_EQ(expected, lines);
 }
@@ -196,13 +196,13 @@ TEST(JournalTest, FileAndMemoryTogether) {
     std::string path = temporaryPath("both");
     setenv("VESK_BOARD_JOURNAL", path.c_str(), 1);
     vesk::sim::startJournal();
-    bi_netled_set_state(5);
+    bi_netled_set_state(2);
     std::vector<std::string> lines = readLines(path);
     unlink(path.c_str());
     EXPECT_EQ(
-        std::vector<std::string>{R"({"function":"bi_netled_set_state","args":[5],"return":0})"},
+        std::vector<std::string>{R"({"function":"bi_netled_set_state","args":[2],"return":0})"},
         lines);
-    EXPECT_EQ(R"({"function":"bi_netled_set_state","args":[5],"return":0})", onlyCall());
+    EXPECT_EQ(R"({"function":"bi_netled_set_state","args":[2],"return":0})", onlyCall());
 }
 
 TEST(JournalTest, SetJournalFile) {

@@ -45,19 +45,19 @@ TEST(ScriptTest, ScriptedResultSkipsTheBoard) {
 }
 
 TEST(ScriptTest, ListAppliesPerCallThenTheBoardResumes) {
-    bi_relay_set_state(9);
-    script(R"({"bi_relay_get_state":[{"return":1},{"return":-2}]})");
-    EXPECT_EQ(1, bi_relay_get_state());
+    bi_relay_set_state(1);
+    script(R"({"bi_relay_get_state":[{"return":7},{"return":-2}]})");
+    EXPECT_EQ(7, bi_relay_get_state());
     EXPECT_EQ(-2, bi_relay_get_state());
-    EXPECT_EQ(9, bi_relay_get_state());
-    EXPECT_EQ(9, bi_relay_get_state());
+    EXPECT_EQ(1, bi_relay_get_state());
+    EXPECT_EQ(1, bi_relay_get_state());
 }
 
 TEST(ScriptTest, EmptyListEntryKeepsTheBoardsOwnResult) {
     script(R"({"bi_relay_set_state":[{}, {"return":3}]})");
-    EXPECT_EQ(0, bi_relay_set_state(4));
-    EXPECT_EQ(3, bi_relay_set_state(5));
-    EXPECT_EQ(4, bi_relay_get_state());
+    EXPECT_EQ(0, bi_relay_set_state(1));
+    EXPECT_EQ(3, bi_relay_set_state(0));
+    EXPECT_EQ(1, bi_relay_get_state());
 }
 
 TEST(ScriptTest, JournalShowsTheScriptedResult) {

@@ -4,8 +4,27 @@
 #include <unistd.h>
 
 #include <fstream>
+#include <memory>
+
+#include "TestRoot.h"
 
 namespace vesk::test {
+namespace {
+
+// The board keeps its state in the device root: every test process of the simulator gets a
+// fresh root of its own, never the user's.
+class FreshRoot : public ::testing::Environment {
+  public:
+    void SetUp() override { mRoot = std::make_unique<TempRoot>(); }
+    void TearDown() override { mRoot.reset(); }
+
+  private:
+    std::unique_ptr<TempRoot> mRoot;
+};
+
+::testing::Environment* const kFreshRoot = ::testing::AddGlobalTestEnvironment(new FreshRoot);
+
+}  // namespace
 
 std::string temporaryPath(const std::string& name) {
     return ::testing::TempDir() + "vesksdk-" + std::to_string(getpid()) + "-" + name;

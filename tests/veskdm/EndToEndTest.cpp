@@ -56,8 +56,9 @@ class EndToEndTest : public ::testing::Test {
 };
 
 // Each call is its own process: the answers are the board's results, passed through unchanged.
+// The board keeps its state in the root: a value set by one process is read by the next.
 TEST_F(EndToEndTest, CallSetterThenGetter) {
-    Outcome set = run({"call", "setSysLedState", "3"});
+    Outcome set = run({"call", "setSysLedState", "2"});
     EXPECT_EQ(set.status, 0) << set.err;
     Outcome get = run({"call", "getSysLedState"});
     EXPECT_EQ(get.status, 0) << get.err;
@@ -66,7 +67,9 @@ TEST_F(EndToEndTest, CallSetterThenGetter) {
     ASSERT_EQ(calls.size(), 4u);  // each process initialises the board once, then calls it
     EXPECT_EQ(calls[0].at("function"), "bi_init_product_config");
     EXPECT_EQ(calls[1].at("function"), "bi_sysled_set_state");
-    EXPECT_EQ(calls[1].at("args"), json::array({3}));
+    EXPECT_EQ(calls[1].at("args"), json::array({2}));
+    EXPECT_EQ(calls[1].at("return"), 0);
+    EXPECT_EQ(calls[3].at("return"), 2);
     EXPECT_EQ(calls[2].at("function"), "bi_init_product_config");
     EXPECT_EQ(calls[3].at("function"), "bi_sysled_get_state");
     EXPECT_EQ(calls[3].at("args"), json::array());
@@ -82,11 +85,15 @@ TEST_F(EndToEndTest, CallSetterThenGetter) {
 
 // In one process the board keeps what was set.
 TEST_F(EndToEndTest, SetterThenGetterInOneShell) {
-    Outcome outcome = run({"shell"}, "setSysLedState 3\ngetSysLedState\n");
+    Outcome outcome = run({"shell"}, "setSysLedState 2\ngetSysLedState\nsetSysLedState 3\n"
+                                     "getSysLedState\n");
     EXPECT_EQ(outcome.status, 0) << outcome.err;
+    // LED states are 0 to 2: the board refuses 3 and keeps 2.
     EXPECT_THAT(outcome.outLines(),
                 ElementsAre("{\"method\":\"setSysLedState\",\"return\":0,\"callbacks\":[]}",
-                            "{\"method\":\"getSysLedState\",\"return\":3,\"callbacks\":[]}"));
+                            "{\"method\":\"getSysLedState\",\"return\":2,\"callbacks\":[]}",
+                            "{\"method\":\"setSysLedState\",\"return\":-1,\"callbacks\":[]}",
+                            "{\"method\":\"getSysLedState\",\"return\":2,\"callbacks\":[]}"));
 }
 
 TEST_F(EndToEndTest, GetCpuStatusShape) {

@@ -47,5 +47,6 @@ void addPropCommand(CLI::App& app);
 void addServiceCommands(CLI::App& app);  // methods, call, shell
 void addEnvCommand(CLI::App& app);
 void addTimingCommand(CLI::App& app);
+void addBoardCommand(CLI::App& app);  // board show, board set
 
 }  // namespace veskdm

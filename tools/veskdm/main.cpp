@@ -59,6 +59,7 @@ int main(int argc, char** argv) {
     veskdm::addTimingCommand(app);
     veskdm::addEnvCommand(app);
     veskdm::addServiceCommands(app);
+    veskdm::addBoardCommand(app);
 
     try {
         app.parse(argc, argv);

@@ -49,3 +49,13 @@ void clearScript();
 bool loadScriptFile(const std::string& path, std::string* error = nullptr);
 
 }  // namespace vesk::sim
+
+namespace vesk::sim {
+
+// Starts a program (argv[0] found through $PATH, standard files on /dev/null) as the board
+// would start a service, and records it in the board's state: bi_kill_process_num kills only
+// processes started so (or by `veskdm board start`), from any process on the same root. The
+// pid, or -1. The caller reaps the child.
+int startProcess(const std::vector<std::string>& argv);
+
+}  // namespace vesk::sim

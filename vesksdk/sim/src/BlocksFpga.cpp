@@ -1,120 +1,198 @@
-// Persistent data blocks (defined, screen, FPGA program, named by path) and the FPGA's SPI link.
-// Each area is kBlockAreaSize bytes; an access that would pass its end is refused whole.
-#include <algorithm>
+// Persistent data blocks and the FPGA's SPI link. The defined, screen and FPGA-program areas are
+// files of kBlockAreaSize bytes in ROOT/data/vesksdk/blocks; a named block is the file its
+// device path names below the device root, reached without following any symbolic link and
+// never through "..". An access that would pass an area's end is refused whole.
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstring>
+#include <string>
+#include <vector>
 
 #include "SimMacros.h"
+#include "vesk/host/DeviceRoot.h"
+#include "vesk/sim/StateFile.h"
 #include "vesksdk.h"
 
 namespace vesk::sim {
 namespace {
 
-constexpr int kOutOfRange = -22;
+constexpr int kRefused = -1;
 
 bool fits(unsigned int offset, unsigned int count) {
     return static_cast<std::size_t>(offset) + count <= kBlockAreaSize;
 }
 
-// Writes return the bytes written, reads the bytes read.
-int writeArea(std::vector<uint8_t>& area, unsigned int offset, const unsigned char* bytes,
-              unsigned int count) {
-    if ((!bytes && count > 0) || !fits(offset, count)) return kOutOfRange;
-    std::copy_n(bytes, count, area.begin() + offset);
-    return static_cast<int>(count);
+// Closes a descriptor at the end of a scope.
+class Fd {
+  public:
+    explicit Fd(int fd) : mFd(fd) {}
+    ~Fd() {
+        if (mFd >= 0) close(mFd);
+    }
+    Fd(const Fd&) = delete;
+    Fd& operator=(const Fd&) = delete;
+    int get() const { return mFd; }
+
+  private:
+    int mFd;
+};
+
+// Writes return the bytes written; the file is locked against other writers meanwhile.
+int writeAt(int fd, unsigned int offset, const unsigned char* bytes, unsigned int count) {
+    if (fd < 0) return kRefused;
+    flock(fd, LOCK_EX);
+    std::size_t done = 0;
+    while (done < count) {
+        ssize_t n = pwrite(fd, bytes + done, count - done, static_cast<off_t>(offset + done));
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) break;
+        done += static_cast<std::size_t>(n);
+    }
+    flock(fd, LOCK_UN);
+    return done == count ? static_cast<int>(count) : kRefused;
 }
 
-int readArea(const std::vector<uint8_t>& area, unsigned int offset, unsigned char* buffer,
-             unsigned int length) {
-    if ((!buffer && length > 0) || !fits(offset, length)) return kOutOfRange;
-    std::copy_n(area.begin() + offset, length, buffer);
+// Reads return the bytes asked for; what lies past the file's end reads as zeros.
+int readAt(int fd, unsigned int offset, unsigned char* buffer, unsigned int length) {
+    if (fd < 0) return kRefused;
+    memset(buffer, 0, length);
+    flock(fd, LOCK_SH);
+    std::size_t done = 0;
+    while (done < length) {
+        ssize_t n = pread(fd, buffer + done, length - done, static_cast<off_t>(offset + done));
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) break;
+        done += static_cast<std::size_t>(n);
+    }
+    flock(fd, LOCK_UN);
     return static_cast<int>(length);
 }
 
-template <class Area>
-int writeTo(Area area, unsigned int offset, const unsigned char* bytes, unsigned int count) {
-    return board().with(
-        [&](BoardData& data) { return writeArea(area(data), offset, bytes, count); });
+// A fixed area's file, made (zero-filled to its size) on first use.
+int openArea(const char* name) {
+    std::string path = blockDir() + "/" + name;
+    int fd = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0644);
+    if (fd < 0) return -1;
+    struct stat info {};
+    if (fstat(fd, &info) == 0 && info.st_size < static_cast<off_t>(kBlockAreaSize)) {
+        if (ftruncate(fd, kBlockAreaSize) != 0) {
+            close(fd);
+            return -1;
+        }
+    }
+    return fd;
 }
 
-template <class Area>
-int readFrom(Area area, unsigned int offset, unsigned char* buffer, unsigned int length) {
-    return board().with(
-        [&](BoardData& data) { return readArea(area(data), offset, buffer, length); });
+int writeArea(const char* name, unsigned int offset, const unsigned char* bytes,
+              unsigned int count) {
+    if ((!bytes && count > 0) || !fits(offset, count)) return kRefused;
+    Fd fd(openArea(name));
+    return writeAt(fd.get(), offset, bytes, count);
 }
 
-std::vector<uint8_t>& defined(BoardData& data) {
-    return data.definedArea;
+int readArea(const char* name, unsigned int offset, unsigned char* buffer, unsigned int length) {
+    if ((!buffer && length > 0) || !fits(offset, length)) return kRefused;
+    Fd fd(openArea(name));
+    return readAt(fd.get(), offset, buffer, length);
 }
-std::vector<uint8_t>& screen(BoardData& data) {
-    return data.screenArea;
+
+// The components of an absolute device path; false for a relative path, one that names the
+// root itself or one with a ".." component.
+bool splitBlockPath(const char* path, std::vector<std::string>& parts) {
+    if (!path || path[0] != '/') return false;
+    std::string text(path);
+    std::size_t pos = 0;
+    while (pos <= text.size()) {
+        std::size_t slash = text.find('/', pos);
+        if (slash == std::string::npos) slash = text.size();
+        std::string part = text.substr(pos, slash - pos);
+        if (part == "..") return false;
+        if (!part.empty() && part != ".") parts.push_back(part);
+        pos = slash + 1;
+    }
+    return !parts.empty();
 }
-std::vector<uint8_t>& fpgaProgram(BoardData& data) {
-    return data.fpgaProgram;
+
+// Opens a named block below the root, one component at a time with O_NOFOLLOW, so that no
+// symbolic link (planted anywhere on the way) can lead outside the root. `create` makes a
+// missing block in an existing directory. -1 when refused.
+int openNamedBlock(const char* path, bool create) {
+    std::vector<std::string> parts;
+    if (!splitBlockPath(path, parts)) return -1;
+    int dir = open(host::deviceRoot().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    for (std::size_t i = 0; dir >= 0 && i + 1 < parts.size(); ++i) {
+        int next = openat(dir, parts[i].c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+        close(dir);
+        dir = next;
+    }
+    if (dir < 0) return -1;
+    int flags = O_RDWR | O_NOFOLLOW | O_CLOEXEC | (create ? O_CREAT : 0);
+    int fd = openat(dir, parts.back().c_str(), flags, 0644);
+    close(dir);
+    struct stat info {};
+    if (fd >= 0 && (fstat(fd, &info) != 0 || !S_ISREG(info.st_mode))) {
+        close(fd);
+        return -1;
+    }
+    return fd;
 }
 
 }  // namespace
 }  // namespace vesk::sim
 
-using vesk::sim::BoardData;
 using vesk::sim::inputBytes;
 using vesk::sim::outputBuffer;
 using vesk::sim::SimCall;
 using vesk::sim::text;
 
-#define VESK_SIM_BLOCK_AREA(write, read, area)                                                \
+#define VESK_SIM_BLOCK_AREA(write, read, file)                                                \
     int write(unsigned int offset, const unsigned char* data, unsigned int count) {           \
         return SimCall(#write, {offset, inputBytes(data, count), count}).run([&] {            \
-            return vesk::sim::writeTo(vesk::sim::area, offset, data, count);                  \
+            return vesk::sim::writeArea(file, offset, data, count);                           \
         });                                                                                   \
     }                                                                                         \
     int read(unsigned int offset, unsigned char* buffer, unsigned int length) {               \
         return SimCall(#read, {offset, outputBuffer(), length}).out(buffer, length).run([&] { \
-            return vesk::sim::readFrom(vesk::sim::area, offset, buffer, length);              \
+            return vesk::sim::readArea(file, offset, buffer, length);                         \
         });                                                                                   \
     }
 
-VESK_SIM_BLOCK_AREA(bi_block_write_defined, bi_block_read_defined, defined)
-VESK_SIM_BLOCK_AREA(bi_block_write_screen, bi_block_read_screen, screen)
-VESK_SIM_BLOCK_AREA(bi_block_write_fpga_program, bi_block_read_fpga_program, fpgaProgram)
+VESK_SIM_BLOCK_AREA(bi_block_write_defined, bi_block_read_defined, "defined.bin")
+VESK_SIM_BLOCK_AREA(bi_block_write_screen, bi_block_read_screen, "screen.bin")
+VESK_SIM_BLOCK_AREA(bi_block_write_fpga_program, bi_block_read_fpga_program, "fpga_program.bin")
 
-// A named block comes into being, zero-filled, at its first write.
+// Writes into the named block, making it in an existing directory if it is missing.
 int bi_block_write_data(const char* path, unsigned int offset, const unsigned char* data,
                         unsigned int count) {
     return SimCall("bi_block_write_data", {text(path), offset, inputBytes(data, count), count})
-        .run([&] {
-            if (!path) return -1;
-            return vesk::sim::board().with([&](BoardData& board) {
-                std::vector<uint8_t>& block = board.namedBlocks[path];
-                block.resize(vesk::sim::kBlockAreaSize);
-                return vesk::sim::writeArea(block, offset, data, count);
+            .run([&] {
+                if ((!data && count > 0) || !vesk::sim::fits(offset, count)) return -1;
+                vesk::sim::Fd fd(vesk::sim::openNamedBlock(path, true));
+                return vesk::sim::writeAt(fd.get(), offset, data, count);
             });
-        });
 }
 
-// A named block never written reads as zeros.
+// Reads an existing named block; what was never written reads as zeros.
 int bi_block_read_data(const char* path, unsigned int offset, unsigned char* buffer,
                        unsigned int length) {
     return SimCall("bi_block_read_data", {text(path), offset, outputBuffer(), length})
-        .out(buffer, length)
-        .run([&] {
-            if (!path) return -1;
-            return vesk::sim::board().with([&](BoardData& board) {
-                auto found = board.namedBlocks.find(path);
-                if (found != board.namedBlocks.end()) {
-                    return vesk::sim::readArea(found->second, offset, buffer, length);
-                }
-                static const std::vector<uint8_t> kBlank(vesk::sim::kBlockAreaSize);
-                return vesk::sim::readArea(kBlank, offset, buffer, length);
+            .out(buffer, length)
+            .run([&] {
+                if ((!buffer && length > 0) || !vesk::sim::fits(offset, length)) return -1;
+                vesk::sim::Fd fd(vesk::sim::openNamedBlock(path, false));
+                return vesk::sim::readAt(fd.get(), offset, buffer, length);
             });
-        });
 }
 
-// 0 for a named block that has been written, -1 otherwise.
+// 0 for a named block that exists (a regular file reached without links), -1 otherwise.
 int bi_block_check(const char* path) {
     return SimCall("bi_block_check", {text(path)}).run([&] {
-        if (!path) return -1;
-        return vesk::sim::board().with(
-            [&](BoardData& board) { return board.namedBlocks.count(path) ? 0 : -1; });
+        vesk::sim::Fd fd(vesk::sim::openNamedBlock(path, false));
+        return fd.get() >= 0 ? 0 : -1;
     });
 }
 
@@ -130,8 +208,8 @@ int bi_fpga_spi_write(const unsigned char* data, unsigned int count) {
 // The FPGA echoes what it is sent: the buffer keeps its bytes and the whole count comes back.
 int bi_fpga_spi_write_read(unsigned char* buffer, unsigned int count) {
     return SimCall("bi_fpga_spi_write_read", {inputBytes(buffer, count), count})
-        .out(buffer, count)
-        .run([&] { return !buffer && count > 0 ? -1 : static_cast<int>(count); });
+            .out(buffer, count)
+            .run([&] { return !buffer && count > 0 ? -1 : static_cast<int>(count); });
 }
 
 // Idle FPGA: reads zeros.

@@ -1,38 +1,33 @@
 /*
- * Everything the simulated board remembers between calls, in one place so that it can be
- * saved and restored as a whole.
+ * Everything the simulated board remembers between calls, in one place. What a board keeps
+ * (states, times, configurations, the output mode, the watchdog) lives in the state file of the
+ * device root: each with() reads it under the cross-process lock and writes it back when the
+ * action changed it, so that a value set by one process is read by another.
  */
 #pragma once
 
 #include <array>
-#include <condition_variable>
 #include <cstdint>
-#include <deque>
 #include <map>
 #include <mutex>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
+#include "vesk/sim/StateFile.h"
 #include "vesksdk_records.h"
 
 namespace vesk::sim {
 
-enum class SerialChannel { Rs485, Rs485Second, Rs232, Lora, Hdmi, Ttl, TtlSecond, Count };
-
-struct SerialPort {
-    bool open = false;
-    int baudrate = 0;
-    unsigned char databits = 0;
-    unsigned char stopbits = 0;
-    signed char parity = 0;
-    std::deque<uint8_t> received;  // loopback: what was written waits here to be read
-};
-
 struct WatchdogState {
     bool open = false;
     std::string device;
-    unsigned int timeout = 0;
+    unsigned int timeout = 0;  // seconds
     unsigned int feeds = 0;
+    int64_t lastFeedMs = 0;  // wall clock, ms since the epoch: shared by every process
+    // Feeds (or a close) that came after the time-out: a board would have reset by then.
+    unsigned int missedFeeds = 0;
+    int64_t lastMissMs = 0;
 };
 
 // Size of each fixed block area (defined, screen, FPGA program) and of a named block.
@@ -41,41 +36,60 @@ inline constexpr std::size_t kBlockAreaSize = 64 * 1024;
 struct BoardData {
     BoardData();
 
-    // Plain states and switches by name ("sysled", "usb_state/2", ...); absent reads as 0.
+    // Saved in the state file:
+    // plain states and switches by name ("sysled", "usb_state/2", ...); absent reads as 0.
     std::map<std::string, int> values;
-    std::array<SerialPort, static_cast<std::size_t>(SerialChannel::Count)> serial;
     WatchdogState watchdog;
-    std::vector<uint8_t> definedArea, screenArea, fpgaProgram;
-    std::map<std::string, std::vector<uint8_t>> namedBlocks;
-    std::array<char, VESK_PRODUCT_RECORD_SIZE> product{};
     vesk_log_record log{};
     std::array<uint32_t, VESK_RTC_TIME_WORDS> rtcBoot{}, rtcWake{};
     vesk_resolution_record outputMode{};
+    // Processes started through the simulator (pid and start time), the only ones it may kill.
+    std::map<int, unsigned long long> startedProcesses;
 };
+
+// The saved part of BoardData as JSON, and back (members missing from `json` keep their
+// factory values).
+nlohmann::json savedState(const BoardData& data);
+void restoreSavedState(BoardData& data, const nlohmann::json& json);
 
 class BoardState {
   public:
     static BoardState& instance();
 
-    // Runs `action(data)` with the board locked.
+    // Runs `action(data)` with the board locked, in this process and against every other
+    // process on the same root, on the state as saved; saves what the action changed.
     template <class Action>
     auto with(Action&& action) {
         std::lock_guard<std::mutex> lock(mMutex);
+        Saved saved(mData);
         return action(mData);
     }
 
     int value(const std::string& key);
-    // Stores a state; returns 0, the board's success.
-    int setValue(const std::string& key, int value);
-
-    // For the calls that wait (blocking serial reads): the lock, and a signal of changes.
-    std::unique_lock<std::mutex> lock() { return std::unique_lock<std::mutex>(mMutex); }
-    BoardData& data() { return mData; }  // only with lock() held
-    std::condition_variable& changed() { return mChanged; }
+    // Stores a state after checking it against the board's accepted values (StateRanges.h):
+    // 0, the board's success, or -1 with nothing stored.
+    int setValue(const std::string& key, long long value);
+    // One member of an indexed state; -1 for an index the board does not have.
+    int indexedValue(const char* key, long long index);
+    int setIndexedValue(const char* key, long long index, long long value);
 
   private:
+    // Loads the saved state on construction and saves it on destruction if it changed, with the
+    // state file's lock held in between.
+    class Saved {
+      public:
+        explicit Saved(BoardData& data);
+        ~Saved();
+        Saved(const Saved&) = delete;
+        Saved& operator=(const Saved&) = delete;
+
+      private:
+        BoardFileLock mLock;
+        BoardData& mData;
+        nlohmann::json mLoaded;
+    };
+
     std::mutex mMutex;
-    std::condition_variable mChanged;
     BoardData mData;
 };
 

@@ -1,125 +1,179 @@
 #include "Edid.h"
 
 #include <cmath>
+#include <cstdio>
 #include <cstring>
+
+#include "EdidLayout.h"
+#include "VideoTimingCaculator.h"
 
 namespace vesk::sim {
 namespace {
 
-constexpr uint8_t kHeader[8] = {0x00, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0x00};
-// Reduced blanking: fixed porches and sync widths, enough for any panel the board drives.
-constexpr unsigned kHBlank = 160, kHFront = 48, kHSync = 32;
-constexpr unsigned kVBlank = 30, kVFront = 3, kVSync = 5;
-constexpr std::size_t kTimingOffset = 54;
-constexpr std::size_t kBlockSize = 128;
+using vesk::hardware::veskdevicemanager::implementation::timing_t;
+using vesk::hardware::veskdevicemanager::implementation::VideoTimingCaculator;
 
-void checksum(uint8_t* block) {
-    unsigned sum = 0;
-    for (std::size_t i = 0; i + 1 < kBlockSize; ++i) sum += block[i];
-    block[kBlockSize - 1] = static_cast<uint8_t>(256 - sum % 256);
+constexpr unsigned kMaxRate = 240;
+
+// The reduced-blanking CVT timing of the mode. A width that is not a whole number of 8-pixel
+// cells takes the timing of the next whole number of cells, the extra pixels going to the
+// front porch, so that the clock, the totals and the rate stay those of a CVT timing.
+timing_t reducedBlankingTiming(unsigned width, unsigned height, unsigned rate) {
+    const unsigned cells = (width + 7) / 8 * 8;
+    VideoTimingCaculator calculator;
+    calculator.calculateCvt(cells, height, rate, 8, 3.0, "cvt_rb", false, false, false);
+    timing_t timing = calculator.getCvtTiming();
+    const unsigned extra = cells - width;
+    timing.h_active -= extra;
+    timing.h_blank += extra;
+    timing.h_front_porch += extra;
+    return timing;
 }
 
-void putName(uint8_t* descriptor, const char* text) {
-    descriptor[3] = 0xfc;
-    std::size_t length = strlen(text);
-    memcpy(descriptor + 5, text, length);
+bool fitsDescriptor(const timing_t& t) {
+    return t.h_active >= 1 && t.h_active <= 4095 && t.v_active >= 1 && t.v_active <= 4095 &&
+           t.h_blank <= 4095 && t.v_blank <= 4095 && t.h_front_porch <= 1023 && t.h_sync <= 1023 &&
+           t.v_front_porch <= 63 && t.v_sync <= 63 && t.pix_clock > 0 &&
+           std::lround(t.pix_clock * 100) <= 65535;
+}
+
+// A believable pixel pitch: 96 pixels to the inch.
+unsigned millimetres(unsigned pixels) {
+    return static_cast<unsigned>(std::lround(pixels * 25.4 / 96));
+}
+
+void putDetailedTiming(uint8_t* d, const timing_t& t) {
+    const unsigned clock = static_cast<unsigned>(std::lround(t.pix_clock * 100));  // 10 kHz
+    const unsigned hSize = millimetres(t.h_active), vSize = millimetres(t.v_active);
+    d[0] = clock & 0xff;
+    d[1] = clock >> 8;
+    d[2] = t.h_active & 0xff;
+    d[3] = t.h_blank & 0xff;
+    d[4] = static_cast<uint8_t>((t.h_active >> 8) << 4 | t.h_blank >> 8);
+    d[5] = t.v_active & 0xff;
+    d[6] = t.v_blank & 0xff;
+    d[7] = static_cast<uint8_t>((t.v_active >> 8) << 4 | t.v_blank >> 8);
+    d[8] = t.h_front_porch & 0xff;
+    d[9] = t.h_sync & 0xff;
+    d[10] = static_cast<uint8_t>((t.v_front_porch & 0x0f) << 4 | (t.v_sync & 0x0f));
+    d[11] = static_cast<uint8_t>((t.h_front_porch >> 8) << 6 | (t.h_sync >> 8) << 4 |
+                                 (t.v_front_porch >> 4) << 2 | t.v_sync >> 4);
+    d[12] = hSize & 0xff;
+    d[13] = vSize & 0xff;
+    d[14] = static_cast<uint8_t>((hSize >> 8) << 4 | vSize >> 8);
+    // Digital separate sync with the timing's polarities.
+    d[17] = static_cast<uint8_t>(0x18 | (t.v_sync_polarity ? 0x04 : 0) |
+                                 (t.h_sync_polarity ? 0x02 : 0));
+}
+
+// A display descriptor holding text: the monitor name (0xfc) or serial number (0xff).
+void putText(uint8_t* d, uint8_t tag, const char* text) {
+    d[3] = tag;
+    std::size_t length = strnlen(text, 13);
+    memcpy(d + 5, text, length);
     if (length < 13) {
-        descriptor[5 + length] = '\n';
-        memset(descriptor + 6 + length, ' ', 12 - length);
+        d[5 + length] = '\n';
+        memset(d + 6 + length, ' ', 12 - length);
     }
+}
+
+// A range field of the limits descriptor; rates above 255 take the descriptor's offset of 255.
+uint8_t rangeByte(unsigned value, uint8_t& flags, uint8_t offsetFlag) {
+    if (value <= 255) return static_cast<uint8_t>(value);
+    flags |= offsetFlag;
+    return static_cast<uint8_t>(value - 255);
+}
+
+// Range limits that hold the preferred timing and 640 x 480 at 60 Hz (the established timing
+// and the CTA's VIC 1), within those of an ordinary monitor.
+void putRangeLimits(uint8_t* d, const timing_t& t) {
+    const double lineKHz = t.pix_clock * 1000.0 / t.h_total;
+    const unsigned vMin = std::min(56u, static_cast<unsigned>(std::floor(t.v_freq)));
+    const unsigned vMax = std::max(75u, static_cast<unsigned>(std::ceil(t.v_freq)));
+    const unsigned hMin = std::min(30u, static_cast<unsigned>(std::floor(lineKHz)));
+    const unsigned hMax = std::max(83u, static_cast<unsigned>(std::ceil(lineKHz)));
+    const unsigned clock10MHz = std::max(17u, static_cast<unsigned>(std::ceil(t.pix_clock / 10)));
+    uint8_t flags = 0;
+    d[3] = 0xfd;
+    d[5] = rangeByte(vMin, flags, 0x01);
+    d[6] = rangeByte(vMax, flags, 0x02);
+    d[7] = rangeByte(hMin, flags, 0x04);
+    d[8] = rangeByte(hMax, flags, 0x08);
+    d[4] = flags;
+    d[9] = static_cast<uint8_t>(clock10MHz);
+    d[10] = 0x01;  // range limits only, no formula for other timings
+    d[11] = '\n';
+    memset(d + 12, ' ', 6);
+}
+
+// sRGB primaries and white point, 10-bit fractions of 1024.
+void putSrgbChromaticity(uint8_t* base) {
+    const unsigned rx = 655, ry = 338, gx = 307, gy = 614, bx = 154, by = 61, wx = 320, wy = 337;
+    base[25] = static_cast<uint8_t>((rx & 3) << 6 | (ry & 3) << 4 | (gx & 3) << 2 | (gy & 3));
+    base[26] = static_cast<uint8_t>((bx & 3) << 6 | (by & 3) << 4 | (wx & 3) << 2 | (wy & 3));
+    const unsigned high[] = {rx, ry, gx, gy, bx, by, wx, wy};
+    for (std::size_t i = 0; i < 8; ++i) base[27 + i] = static_cast<uint8_t>(high[i] >> 2);
+}
+
+void putBaseBlock(uint8_t* base, const EdidIdentity& identity, const timing_t& t) {
+    memcpy(base, kEdidHeader, sizeof(kEdidHeader));
+    base[8] = 0x5a;  // manufacturer "VSK": three 5-bit letters, 22 19 11
+    base[9] = 0x6b;
+    base[10] = identity.productCode & 0xff;
+    base[11] = identity.productCode >> 8;
+    // Bytes 12-15 stay 0: the serial number is given as text, which tells the mode apart from
+    // others of the same product.
+    const unsigned serial = t.h_active * 10000u + t.v_active;
+    base[16] = 12;  // week 12 of 2024
+    base[17] = 2024 - 1990;
+    base[18] = 1;  // EDID 1.4
+    base[19] = 4;
+    base[20] = 0xa0;  // digital, 8 bits per colour
+    base[21] = static_cast<uint8_t>(std::lround(millimetres(t.h_active) / 10.0));
+    base[22] = static_cast<uint8_t>(std::lround(millimetres(t.v_active) / 10.0));
+    base[23] = 120;   // gamma 2.2
+    base[24] = 0x06;  // RGB 4:4:4, sRGB, the preferred timing is the native mode
+    putSrgbChromaticity(base);
+    base[35] = 0x20;  // established 640 x 480 at 60 Hz
+    for (std::size_t i = 38; i < kFirstDescriptor; ++i) base[i] = 0x01;  // no standard timings
+
+    putDetailedTiming(base + kFirstDescriptor, t);
+    putRangeLimits(base + kFirstDescriptor + kDescriptorSize, t);
+    putText(base + kFirstDescriptor + 2 * kDescriptorSize, 0xfc, identity.name);
+    char serialText[14];
+    snprintf(serialText, sizeof(serialText), "VSK%08u", serial);
+    putText(base + kFirstDescriptor + 3 * kDescriptorSize, 0xff, serialText);
+    base[126] = 1;  // one extension block
+    putChecksum(base);
+}
+
+void putCtaBlock(uint8_t* extension) {
+    extension[0] = 0x02;  // CTA-861
+    extension[1] = 0x03;
+    const uint8_t dataBlocks[] = {
+            0x41, 0x01,        // video: VIC 1, 640 x 480 at 60 Hz
+            0xe2, 0x00, 0x4a,  // video capability: selectable RGB range, underscanned
+    };
+    memcpy(extension + 4, dataBlocks, sizeof(dataBlocks));
+    extension[2] = 4 + sizeof(dataBlocks);  // no detailed timings after the data blocks
+    extension[3] = 0x81;                    // underscanned; one native timing (the base block's)
+    putChecksum(extension);
 }
 
 }  // namespace
 
-bool writeEdid(uint8_t* edid, uint16_t productCode, unsigned width, unsigned height, float refresh) {
-    if (width == 0 || height == 0 || width > 4095 || height > 4095 || !(refresh > 0)) {
+bool writeEdid(uint8_t* edid, const EdidIdentity& identity, unsigned width, unsigned height,
+               float refresh) {
+    if (width == 0 || height == 0 || width > 4095 || height > 4095 ||
+        !(refresh >= 0.5f && refresh < kMaxRate + 0.5f)) {
         return false;
     }
-    const unsigned htotal = width + kHBlank, vtotal = height + kVBlank;
-    const double clock10kHz = std::round(double(htotal) * vtotal * refresh / 10000.0);
-    if (clock10kHz > 65535) return false;
-
+    const timing_t timing =
+            reducedBlankingTiming(width, height, static_cast<unsigned>(std::lround(refresh)));
+    if (!fitsDescriptor(timing)) return false;
     memset(edid, 0, VESK_EDID_SIZE);
-    uint8_t* base = edid;
-    memcpy(base, kHeader, sizeof(kHeader));
-    base[8] = 0x5a;  // manufacturer "VSK", three 5-bit letters
-    base[9] = 0x6b;
-    base[10] = productCode & 0xff;
-    base[11] = productCode >> 8;
-    base[16] = 1;   // week
-    base[17] = 34;  // 2024
-    base[18] = 1;   // EDID 1.4
-    base[19] = 4;
-    base[20] = 0x80;  // digital input
-    base[21] = 60;    // 60 x 34 cm
-    base[22] = 34;
-    base[23] = 0x78;                                       // gamma 2.2
-    base[24] = 0x0a;                                       // RGB, preferred timing is native
-    base[35] = 0x20;                                       // established 640x480 at 60 Hz
-    for (std::size_t i = 38; i < 54; ++i) base[i] = 0x01;  // no standard timings
-
-    uint8_t* timing = base + kTimingOffset;
-    const unsigned clock = static_cast<unsigned>(clock10kHz);
-    timing[0] = clock & 0xff;
-    timing[1] = clock >> 8;
-    timing[2] = width & 0xff;
-    timing[3] = kHBlank & 0xff;
-    timing[4] = static_cast<uint8_t>((width >> 8) << 4 | kHBlank >> 8);
-    timing[5] = height & 0xff;
-    timing[6] = kVBlank & 0xff;
-    timing[7] = static_cast<uint8_t>((height >> 8) << 4 | kVBlank >> 8);
-    timing[8] = kHFront;
-    timing[9] = kHSync;
-    timing[10] = static_cast<uint8_t>(kVFront << 4 | kVSync);
-    timing[12] = 0x58;  // 600 x 340 mm
-    timing[13] = 0x54;
-    timing[14] = 0x21;
-    timing[17] = 0x1e;  // digital separate sync, both polarities positive
-
-    putName(base + 72, "VESK SIM");
-    uint8_t* limits = base + 90;
-    limits[3] = 0xfd;
-    limits[5] = 24;  // 24-75 Hz vertical, 15-160 kHz horizontal, up to 660 MHz
-    limits[6] = 75;
-    limits[7] = 15;
-    limits[8] = 160;
-    limits[9] = 66;
-    limits[10] = 0x01;  // range limits only
-    limits[11] = '\n';
-    memset(limits + 12, ' ', 6);
-    base[108 + 3] = 0x10;  // dummy descriptor
-    base[126] = 1;         // one extension block
-    checksum(base);
-
-    uint8_t* extension = edid + kBlockSize;
-    extension[0] = 0x02;  // CTA-861
-    extension[1] = 0x03;
-    const uint8_t dataBlocks[] = {
-        0x41, 0x01,       // video: VIC 1, 640x480 at 60 Hz
-        0xe2, 0x00, 0x4a  // video capability: selectable RGB range, underscanned
-    };
-    memcpy(extension + 4, dataBlocks, sizeof(dataBlocks));
-    extension[2] = 4 + sizeof(dataBlocks);  // no detailed timings after the data blocks
-    extension[3] = 0x81;  // underscanned; one native detailed timing (the base block's)
-    checksum(extension);
-    return true;
-}
-
-bool readPreferredTiming(const uint8_t* edid, vesk_resolution_record& result) {
-    if (memcmp(edid, kHeader, sizeof(kHeader)) != 0) return false;
-    const uint8_t* timing = edid + kTimingOffset;
-    const unsigned clock = timing[0] | timing[1] << 8;
-    if (clock == 0) return false;
-    const unsigned width = timing[2] | (timing[4] >> 4) << 8;
-    const unsigned hblank = timing[3] | (timing[4] & 0x0f) << 8;
-    const unsigned height = timing[5] | (timing[7] >> 4) << 8;
-    const unsigned vblank = timing[6] | (timing[7] & 0x0f) << 8;
-    const double total = double(width + hblank) * (height + vblank);
-    if (total == 0) return false;
-    result.width = width;
-    result.height = height;
-    result.fps = static_cast<uint32_t>(std::lround(clock * 10000.0 / total));
-    result.status = 1;
+    putBaseBlock(edid, identity, timing);
+    putCtaBlock(edid + kEdidBlockSize);
     return true;
 }
 

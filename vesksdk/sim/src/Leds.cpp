@@ -17,11 +17,14 @@ VESK_SIM_GETTER(bi_runningled_get_state, "runningled")
 VESK_SIM_SETTER(bi_cloudled_set_state, "cloudled", int)
 VESK_SIM_GETTER(bi_cloudled_get_state, "cloudled")
 
-// The colour LED reads back as one word: red in bits 16-23, green in 8-15, blue in 0-7.
+// The colour LED reads back as one word: red in bits 16-23, green in 8-15, blue in 0-7. Each
+// colour is a level of 0 to 255; any other refuses the whole call.
 int bi_triled_set_state(int red, int green, int blue) {
     return vesk::sim::SimCall("bi_triled_set_state", {red, green, blue}).run([&] {
-        return vesk::sim::board().setValue(
-            "triled", (red & 0xff) << 16 | (green & 0xff) << 8 | (blue & 0xff));
+        for (int level : {red, green, blue}) {
+            if (level < 0 || level > 255) return -1;
+        }
+        return vesk::sim::board().setValue("triled", red << 16 | green << 8 | blue);
     });
 }
 VESK_SIM_GETTER(bi_triled_get_state, "triled")

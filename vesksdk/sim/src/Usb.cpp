@@ -1,6 +1,8 @@
-// USB: OTG mode, the switch to the front ports, per-port power and the devices attached.
+// USB: OTG mode, the switch to the front ports, per-port power and the devices attached (those
+// of the host).
 #include <cstring>
 
+#include "HostProc.h"
 #include "SimMacros.h"
 #include "vesksdk.h"
 
@@ -11,19 +13,20 @@ VESK_SIM_GETTER(bi_usb_get_switch_enable, "usb_switch")
 VESK_SIM_INDEXED_SETTER(bi_set_usb_state, "usb_state", unsigned int, unsigned int)
 VESK_SIM_INDEXED_GETTER(bi_get_usb_state, "usb_state", unsigned int)
 
-// Two devices: the root hubs of the USB 2.0 and 3.0 controllers.
+// The USB devices of the host, as many as the record holds.
 int bi_info_get_usb_list(void* record) {
     return vesk::sim::SimCall("bi_info_get_usb_list", {vesk::sim::outputBuffer()})
-        .out(record, sizeof(vesk_usb_list_record))
-        .run([&] {
-            if (!record) return -1;
-            vesk_usb_list_record list{};
-            list.count = 2;
-            list.vid[0] = 0x1d6b;
-            list.pid[0] = 0x0002;
-            list.vid[1] = 0x1d6b;
-            list.pid[1] = 0x0003;
-            memcpy(record, &list, sizeof(list));
-            return 0;
-        });
+            .out(record, sizeof(vesk_usb_list_record))
+            .run([&] {
+                if (!record) return -1;
+                vesk_usb_list_record list{};
+                for (const vesk::sim::UsbDevice& device : vesk::sim::usbDevices()) {
+                    if (list.count == VESK_USB_LIST_MAX) break;
+                    list.vid[list.count] = device.vid;
+                    list.pid[list.count] = device.pid;
+                    ++list.count;
+                }
+                memcpy(record, &list, sizeof(list));
+                return 0;
+            });
 }

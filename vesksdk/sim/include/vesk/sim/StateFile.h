@@ -1,0 +1,39 @@
+/*
+ * The simulated board's files in the device root, shared by the board library and veskdm: the
+ * state file (every value set), the product description and the block areas, with the lock that
+ * several processes take around a read-modify-write.
+ */
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace vesk::sim {
+
+// ROOT/data/vesksdk, created when missing.
+std::string boardDir();
+std::string stateFilePath();    // ROOT/data/vesksdk/state.json
+std::string productFilePath();  // ROOT/data/vesksdk/product.json
+std::string blockDir();         // ROOT/data/vesksdk/blocks, created when missing
+
+// An exclusive flock on ROOT/data/vesksdk/state.lock, held for the object's life. Taken around
+// every read-modify-write of the state file and the product description, by every process.
+class BoardFileLock {
+  public:
+    BoardFileLock();
+    ~BoardFileLock();
+    BoardFileLock(const BoardFileLock&) = delete;
+    BoardFileLock& operator=(const BoardFileLock&) = delete;
+
+  private:
+    int mFd = -1;
+};
+
+// The JSON object in `path`; an empty object when the file is missing. A file that is not a
+// JSON object is reported on stderr once and read as empty, as a board with a wiped store.
+nlohmann::json readJsonFile(const std::string& path);
+// Writes a temporary file beside `path`, flushes it to disk and renames it into place, so that
+// a reader sees the old or the new content, never a part. False when that fails.
+bool writeJsonFileAtomically(const std::string& path, const nlohmann::json& content);
+
+}  // namespace vesk::sim
