@@ -68,7 +68,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
     bool margins = in.ConsumeBool();
     bool interlaced = in.ConsumeBool();
     bool videoOptimized = in.ConsumeBool();
-    bool searches = in.ConsumeIntegralInRange<int>(0, 255) == 0;
+    // One input in 256 (an exhausted input reads 0 here, so 255 marks the searches).
+    bool searches = in.ConsumeIntegralInRange<int>(0, 255) == 255;
     // A ceiling in the range of real pixel clocks (MHz), so that a search mostly ends early;
     // each step is a whole calculation.
     double maxPixClock = in.ConsumeFloatingPointInRange<double>(0, 1200);
