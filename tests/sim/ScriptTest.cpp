@@ -78,6 +78,16 @@ TEST(ScriptTest, OutIsCopiedToTheStartOfTheBuffer) {
     EXPECT_EQ(0, memcmp(expected, buffer, 6));
 }
 
+// An empty hex text writes nothing (and hands memcpy no null pointer: checked under UBSan).
+TEST(ScriptTest, EmptyOutLeavesTheBufferAlone) {
+    script(R"({"bi_serial_lora_nonblocking_read":{"return":0,"out":""}})");
+    unsigned char buffer[4];
+    memset(buffer, 0xee, sizeof(buffer));
+    EXPECT_EQ(0, bi_serial_lora_nonblocking_read(buffer, 4));
+    const unsigned char expected[] = {0xee, 0xee, 0xee, 0xee};
+    EXPECT_EQ(0, memcmp(expected, buffer, 4));
+}
+
 TEST(ScriptTest, OutNeverPassesTheCapacity) {
     script(R"({"bi_serial_hdmi_blocking_read":{"return":8,"out":"0102030405060708"}})");
     unsigned char buffer[8];

@@ -72,7 +72,8 @@ bool SimCall::hasScriptedResult() {
 
 void SimCall::finish(const nlohmann::json& result) {
     if (mEntry && mBuffer) {
-        if (mEntry->out) {
+        // An empty "out" copies nothing (its data pointer may be null, which memcpy must not get).
+        if (mEntry->out && !mEntry->out->empty()) {
             memcpy(mBuffer, mEntry->out->data(), std::min(mEntry->out->size(), mCapacity));
         }
         if (mEntry->process && mCapacity >= sizeof(vesk_process_record)) {
