@@ -15,6 +15,13 @@ class WatchdogTest : public ::testing::Test {
     TempRoot root;
 };
 
+// A device name is any bytes: the board keeps it, and its state file stays valid JSON with U+FFFD
+// for the bytes that are not UTF-8.
+TEST_F(WatchdogTest, ADeviceNameThatIsNotUtf8IsSaved) {
+    EXPECT_EQ(0, inOtherProcess([] { return bi_watchdog_open("/dev/wd\xff", 60); }));
+    EXPECT_EQ("/dev/wd\xef\xbf\xbd", stateFile()["watchdog"]["device"]);
+}
+
 TEST_F(WatchdogTest, OpenFeedCloseAcrossProcesses) {
     EXPECT_EQ(0, inOtherProcess([] { return bi_watchdog_open("/dev/watchdog", 60); }));
     EXPECT_EQ(0, bi_watchdog_feed("/dev/watchdog"));

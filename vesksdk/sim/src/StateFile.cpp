@@ -91,7 +91,10 @@ bool writeJsonFileAtomically(const std::string& path, const nlohmann::json& cont
     std::string temporary = path + ".tmp." + std::to_string(getpid());
     int fd = open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
     if (fd < 0) return false;
-    bool written = writeAll(fd, content.dump(2) + "\n") && fsync(fd) == 0;
+    // Texts the board was given need not be UTF-8 (a device name is any bytes): the file keeps
+    // U+FFFD for their bad bytes rather than failing to write.
+    std::string text = content.dump(2, ' ', false, nlohmann::json::error_handler_t::replace);
+    bool written = writeAll(fd, text + "\n") && fsync(fd) == 0;
     written = close(fd) == 0 && written;
     if (!written || rename(temporary.c_str(), path.c_str()) != 0) {
         unlink(temporary.c_str());
