@@ -59,7 +59,8 @@ int writeAt(int fd, unsigned int offset, const unsigned char* bytes, unsigned in
 // Reads return the bytes asked for; what lies past the file's end reads as zeros.
 int readAt(int fd, unsigned int offset, unsigned char* buffer, unsigned int length) {
     if (fd < 0) return kRefused;
-    memset(buffer, 0, length);
+    // A zero-length read may come with a null buffer (an empty vector's data).
+    if (length > 0) memset(buffer, 0, length);
     flock(fd, LOCK_SH);
     std::size_t done = 0;
     while (done < length) {
