@@ -115,9 +115,6 @@ TEST_P(BadInputTest, StatusTwoOneLineNothingCalledNothingWritten) {
     EXPECT_EQ(before, after);
 }
 
-const char kLogInfo[] =
-        R"({"level": "D", "base": "/data/log", "mode": "ring", "total_size": "64M", "once_size": "4M"})";
-
 const BadInput kBadInputs[] = {
         // ---- the method ----
         {"UnknownMethod", {"call", "getSysLed"}, "unknown method \"getSysLed\""},
