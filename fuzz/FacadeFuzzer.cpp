@@ -229,6 +229,5 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
         veskdm::dumpJson(outcome);
     }
     vesk::sim::clearScript();
-    vesk::fuzz::dropLog();
     return 0;
 }

@@ -42,14 +42,10 @@ const std::string& freshRoot() {
     if (path.empty()) {
         path = makeTemporaryDirectory();
         vesk::host::setDeviceRoot(path);
-        vesk::host::startLogCapture();
+        vesk::host::discardLog();
         atexit(removeRoot);
     }
     return path;
-}
-
-void dropLog() {
-    vesk::host::clearCapturedLog();
 }
 
 }  // namespace vesk::fuzz

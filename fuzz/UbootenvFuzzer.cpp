@@ -147,6 +147,5 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
             }
         }
     }
-    vesk::fuzz::dropLog();
     return 0;
 }

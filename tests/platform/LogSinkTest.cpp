@@ -1,4 +1,4 @@
-// The host log sink: capture, JSON lines and every priority enabled.
+// The host log sink: capture, JSON lines, discarding and every priority enabled.
 #include <android/log.h>
 #include <gtest/gtest.h>
 
@@ -33,6 +33,17 @@ TEST_F(LogSinkTest, JsonFileHoldsOneObjectPerLine) {
               first);
     auto second = nlohmann::json::parse(content.substr(newline + 1));
     EXPECT_EQ(nlohmann::json({{"priority", 4}, {"tag", "tag2"}, {"message", "second"}}), second);
+}
+
+TEST_F(LogSinkTest, DiscardKeepsNoLineAndPrintsNone) {
+    __android_log_print(ANDROID_LOG_INFO, "vesk_test", "before\n");
+    vesk::host::discardLog();
+    testing::internal::CaptureStderr();
+    __android_log_print(ANDROID_LOG_ERROR, "vesk_test", "discarded\n");
+    EXPECT_EQ("", testing::internal::GetCapturedStderr());
+    LogLines expected = {{ANDROID_LOG_INFO, "vesk_test", "before\n"}};
+    EXPECT_EQ(expected, capturedLog());
+    vesk::host::startLogCapture();
 }
 
 TEST_F(LogSinkTest, JsonFileThatCannotBeOpenedIsRefused) {

@@ -1,6 +1,7 @@
 /*
  * The host's sink for liblog: logcat-style stderr lines, JSON lines in a file, or an in-memory
- * capture for tests. Installed with every priority enabled when the library is loaded.
+ * capture for tests, or nowhere (the fuzzers). Installed with every priority enabled when the
+ * library is loaded.
  */
 #include "vesk/host/LogSink.h"
 
@@ -59,6 +60,8 @@ void captureLogger(const __android_logger_data* data, const char* message) {
     gCaptured.push_back({data->priority, data->tag != nullptr ? data->tag : "", message});
 }
 
+void discardLogger(const __android_logger_data*, const char*) {}
+
 [[gnu::constructor]] void installDefaultSink() {
     __android_log_set_minimum_priority(ANDROID_LOG_VERBOSE);
     __android_log_set_logger(stderrLogger);
@@ -95,6 +98,10 @@ std::vector<LogLine> capturedLog() {
 void clearCapturedLog() {
     std::lock_guard<std::mutex> lock(gMutex);
     gCaptured.clear();
+}
+
+void discardLog() {
+    __android_log_set_logger(discardLogger);
 }
 
 }  // namespace vesk::host
