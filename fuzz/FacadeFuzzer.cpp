@@ -40,16 +40,6 @@ constexpr uint32_t kMaxTimeoutMs = 3;
 
 int gShellStatus = 0;
 
-std::string hexOf(const std::string& bytes) {
-    static constexpr char kDigits[] = "0123456789abcdef";
-    std::string hex;
-    for (unsigned char c : bytes) {
-        hex += kDigits[c >> 4];
-        hex += kDigits[c & 15];
-    }
-    return hex;
-}
-
 template <typename T>
 Json integer(FuzzedDataProvider& in) {
     // Small values and the ends of the range come up far more often than chance gives them.
@@ -66,7 +56,7 @@ Json integer(FuzzedDataProvider& in) {
 Json boardResult(FuzzedDataProvider& in) {
     Json entry = Json::object();
     if (in.ConsumeIntegralInRange<int>(0, 3) != 0) entry["return"] = integer<int32_t>(in);
-    if (in.ConsumeBool()) entry["out"] = hexOf(in.ConsumeRandomLengthString(2100));
+    if (in.ConsumeBool()) entry["out"] = vesk::sim::scriptHex(in.ConsumeRandomLengthString(2100));
     return entry;
 }
 

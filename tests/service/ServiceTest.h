@@ -22,13 +22,7 @@ using json = nlohmann::json;
 
 // Bytes as the script's "out" hex text.
 inline std::string hexOf(const std::string& bytes) {
-    static constexpr char kDigits[] = "0123456789abcdef";
-    std::string hex;
-    for (unsigned char c : bytes) {
-        hex += kDigits[c >> 4];
-        hex += kDigits[c & 15];
-    }
-    return hex;
+    return vesk::sim::scriptHex(bytes);
 }
 
 // Places `text` at `offset` of a record of `size` zero bytes (grown as needed).

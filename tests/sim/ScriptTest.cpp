@@ -29,6 +29,11 @@ std::string refusal(const char* text) {
     return error;
 }
 
+TEST(ScriptTest, HexTextHasTwoLowerCaseDigitsPerByte) {
+    EXPECT_EQ("", vesk::sim::scriptHex(""));
+    EXPECT_EQ("00017f80abff", vesk::sim::scriptHex(std::string("\x00\x01\x7f\x80\xab\xff", 6)));
+}
+
 TEST(ScriptTest, ObjectAppliesToEveryCall) {
     script(R"({"bi_sysled_get_state":{"return":7}})");
     EXPECT_EQ(7, bi_sysled_get_state());

@@ -44,6 +44,8 @@ bool setJournalFile(const std::string& path, std::string* error = nullptr);
 // process). "return" is an int, or any number for the two float functions.
 bool setScript(const nlohmann::json& script, std::string* error = nullptr);
 void clearScript();
+// `bytes` as the hex text of an "out" (two lower-case digits a byte).
+std::string scriptHex(const std::string& bytes);
 // Reads a script file and installs it as setScript() does. Returns false, and changes nothing,
 // for an unreadable file, malformed JSON or a malformed script, with the reason in `error`.
 bool loadScriptFile(const std::string& path, std::string* error = nullptr);

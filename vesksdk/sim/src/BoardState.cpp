@@ -125,14 +125,9 @@ void restoreSavedState(BoardData& data, const nlohmann::json& json) {
 
 BoardState::Saved::Saved(BoardData& data) : mData(data) {
     // Start from the factory state, so that what no process ever saved reads as new.
+    // BoardData holds only what the file saves, so a member added later is reset here too.
     static const BoardData factory;
-    data.values = factory.values;
-    data.watchdog = factory.watchdog;
-    data.log = factory.log;
-    data.rtcBoot = factory.rtcBoot;
-    data.rtcWake = factory.rtcWake;
-    data.outputMode = factory.outputMode;
-    data.startedProcesses = factory.startedProcesses;
+    data = factory;
     try {
         restoreSavedState(data, readJsonFile(stateFilePath()));
     } catch (const nlohmann::json::exception& e) {

@@ -36,7 +36,7 @@ inline constexpr std::size_t kBlockAreaSize = 64 * 1024;
 struct BoardData {
     BoardData();
 
-    // Saved in the state file:
+    // Every member is saved in the state file (a fresh read starts from a factory copy):
     // plain states and switches by name ("sysled", "usb_state/2", ...); absent reads as 0.
     std::map<std::string, int> values;
     WatchdogState watchdog;

@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "BoardFunctions.h"
+#include "vesksdk_sim_control.h"
 
 namespace vesk::sim {
 namespace {
@@ -185,6 +186,17 @@ std::optional<ScriptEntry> Script::next(const std::string& function) {
     if (script.everyCall) return script.entries.front();
     if (script.used >= script.entries.size()) return std::nullopt;
     return script.entries[script.used++];
+}
+
+std::string scriptHex(const std::string& bytes) {
+    static constexpr char kDigits[] = "0123456789abcdef";
+    std::string hex;
+    hex.reserve(2 * bytes.size());
+    for (unsigned char c : bytes) {
+        hex += kDigits[c >> 4];
+        hex += kDigits[c & 15];
+    }
+    return hex;
 }
 
 }  // namespace vesk::sim
