@@ -31,7 +31,7 @@ using vesk::hardware::veskdevicemanager::V1_0::IVeskDeviceManager;
 using vesk::hardware::veskdevicemanager::V1_0::VeskEffeResolution;
 
 constexpr char kFullHd[] =
-    "66587,59934,138500,2080,160,48,32,80,1920,1111,31,3,5,23,1080,1,0,1,16,9,1,1";
+        "66587,59934,138500,2080,160,48,32,80,1920,1111,31,3,5,23,1080,1,0,1,16,9,1,1";
 constexpr char kHd[] = "44444,59979,64000,1440,160,48,32,80,1280,741,21,3,5,13,720,1,0,1,16,9,1,1";
 
 // A fresh device root of its own (factory environment), removed at exit. The service's lines
@@ -246,11 +246,10 @@ class RatioReporter : public benchmark::ConsoleReporter {
         const Figures& cvt = mFigures["BM_PartCalculateCvt"];
         double cpuParts = load.cpu + f.saves * save.cpu + cvt.cpu;
         double realParts = load.real + f.saves * save.real + cvt.real;
-        printf(
-            "%s / (load + %.0f x %s + CVT): CPU %.0f / %.0f ns = %.3f, real %.0f / %.0f ns = "
-            "%.3f\n",
-            flow.c_str(), f.saves, savePart + 3, f.cpu, cpuParts, f.cpu / cpuParts, f.real,
-            realParts, f.real / realParts);
+        printf("%s / (load + %.0f x %s + CVT): CPU %.0f / %.0f ns = %.3f, real %.0f / %.0f ns = "
+               "%.3f\n",
+               flow.c_str(), f.saves, savePart + 3, f.cpu, cpuParts, f.cpu / cpuParts, f.real,
+               realParts, f.real / realParts);
     }
     std::map<std::string, Figures> mFigures;
 };

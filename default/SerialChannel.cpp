@@ -10,8 +10,8 @@ int32_t open(const SerialChannel& channel, const char* method, int32_t baudrate,
              uint8_t stopbits, int8_t parity) {
     // The full-width colons are part of the line as the board's log readers know it.
     vesk::log::debug(
-        kTag, "%s %d baudrate :%d databits:%d \xEF\xBC\x9Astopbits:%d  parity\xEF\xBC\x9A%d\n",
-        method, channel.line.open, baudrate, databits, stopbits, parity);
+            kTag, "%s %d baudrate :%d databits:%d \xEF\xBC\x9Astopbits:%d  parity\xEF\xBC\x9A%d\n",
+            method, channel.line.open, baudrate, databits, stopbits, parity);
     int ret = channel.open(baudrate, databits, stopbits, parity);
     vesk::log::debug(kTag, "%s: ret = %d\n", method, ret);
     return ret;

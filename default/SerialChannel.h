@@ -25,13 +25,13 @@ struct SerialChannel {
     int (*write)(const unsigned char* data, unsigned int count);
     struct Lines {
         int open, close, blockingRead, blockingNegative, nonBlockingRead, nonBlockingCount,
-            nonBlockingNegative, write;
+                nonBlockingNegative, write;
     } line;
     NonBlockingReport report;
 };
 
 using SerialReadCallback =
-    std::function<void(const ::android::hardware::hidl_vec<uint8_t>& data, uint32_t count)>;
+        std::function<void(const ::android::hardware::hidl_vec<uint8_t>& data, uint32_t count)>;
 
 namespace serial {
 

@@ -51,40 +51,61 @@ struct VeskDeviceManager : public IVeskDeviceManager {
     Return<void> getProductInfo(getProductInfo_cb _hidl_cb) override;
     Return<int32_t> setProductInfo(int32_t useDhcp) override;
     Return<int32_t> getProtocolType() override;
-    Return<int32_t> openSerialPort485(int32_t baudrate, uint8_t databits, uint8_t stopbits, int8_t parity) override;
+    Return<int32_t> openSerialPort485(int32_t baudrate, uint8_t databits, uint8_t stopbits,
+                                      int8_t parity) override;
     Return<int32_t> closeSerialPort485() override;
-    Return<void> readBlockingSerialPort485(uint32_t data_size, uint32_t timeout_ms, readBlockingSerialPort485_cb _hidl_cb) override;
-    Return<void> readNonBlockingSerialPort485(uint32_t data_size, readNonBlockingSerialPort485_cb _hidl_cb) override;
+    Return<void> readBlockingSerialPort485(uint32_t data_size, uint32_t timeout_ms,
+                                           readBlockingSerialPort485_cb _hidl_cb) override;
+    Return<void> readNonBlockingSerialPort485(uint32_t data_size,
+                                              readNonBlockingSerialPort485_cb _hidl_cb) override;
     Return<int32_t> writeSerialPort485(const hidl_vec<uint8_t>& data) override;
-    Return<int32_t> openSerialPort485_2(int32_t baudrate, uint8_t databits, uint8_t stopbits, int8_t parity) override;
+    Return<int32_t> openSerialPort485_2(int32_t baudrate, uint8_t databits, uint8_t stopbits,
+                                        int8_t parity) override;
     Return<int32_t> closeSerialPort485_2() override;
-    Return<void> readBlockingSerialPort485_2(uint32_t data_size, uint32_t timeout_ms, readBlockingSerialPort485_2_cb _hidl_cb) override;
-    Return<void> readNonBlockingSerialPort485_2(uint32_t data_size, readNonBlockingSerialPort485_2_cb _hidl_cb) override;
+    Return<void> readBlockingSerialPort485_2(uint32_t data_size, uint32_t timeout_ms,
+                                             readBlockingSerialPort485_2_cb _hidl_cb) override;
+    Return<void> readNonBlockingSerialPort485_2(uint32_t data_size,
+                                                readNonBlockingSerialPort485_2_cb _hidl_cb) override;
     Return<int32_t> writeSerialPort485_2(const hidl_vec<uint8_t>& data) override;
-    Return<int32_t> openSerialPort232(int32_t baudrate, uint8_t databits, uint8_t stopbits, int8_t parity) override;
+    Return<int32_t> openSerialPort232(int32_t baudrate, uint8_t databits, uint8_t stopbits,
+                                      int8_t parity) override;
     Return<int32_t> closeSerialPort232() override;
-    Return<void> readBlockingSerialPort232(uint32_t data_size, uint32_t timeout_ms, readBlockingSerialPort232_cb _hidl_cb) override;
-    Return<void> readNonBlockingSerialPort232(uint32_t data_size, readNonBlockingSerialPort232_cb _hidl_cb) override;
+    Return<void> readBlockingSerialPort232(uint32_t data_size, uint32_t timeout_ms,
+                                           readBlockingSerialPort232_cb _hidl_cb) override;
+    Return<void> readNonBlockingSerialPort232(uint32_t data_size,
+                                              readNonBlockingSerialPort232_cb _hidl_cb) override;
     Return<int32_t> writeSerialPort232(const hidl_vec<uint8_t>& data) override;
-    Return<int32_t> openSerialPortLora(int32_t baudrate, uint8_t databits, uint8_t stopbits, int8_t parity) override;
+    Return<int32_t> openSerialPortLora(int32_t baudrate, uint8_t databits, uint8_t stopbits,
+                                       int8_t parity) override;
     Return<int32_t> closeSerialPortLora() override;
-    Return<void> readBlockingSerialPortLora(uint32_t data_size, uint32_t timeout_ms, readBlockingSerialPortLora_cb _hidl_cb) override;
-    Return<void> readNonBlockingSerialPortLora(uint32_t data_size, readNonBlockingSerialPortLora_cb _hidl_cb) override;
+    Return<void> readBlockingSerialPortLora(uint32_t data_size, uint32_t timeout_ms,
+                                            readBlockingSerialPortLora_cb _hidl_cb) override;
+    Return<void> readNonBlockingSerialPortLora(uint32_t data_size,
+                                               readNonBlockingSerialPortLora_cb _hidl_cb) override;
     Return<int32_t> writeSerialPortLora(const hidl_vec<uint8_t>& data) override;
-    Return<int32_t> openSerialPortHDMI(int32_t baudrate, uint8_t databits, uint8_t stopbits, int8_t parity) override;
+    Return<int32_t> openSerialPortHDMI(int32_t baudrate, uint8_t databits, uint8_t stopbits,
+                                       int8_t parity) override;
     Return<int32_t> closeSerialPortHDMI() override;
-    Return<void> readBlockingSerialPortHDMI(uint32_t data_size, uint32_t timeout_ms, readBlockingSerialPortHDMI_cb _hidl_cb) override;
-    Return<void> readNonBlockingSerialPortHDMI(uint32_t data_size, readNonBlockingSerialPortHDMI_cb _hidl_cb) override;
+    Return<void> readBlockingSerialPortHDMI(uint32_t data_size, uint32_t timeout_ms,
+                                            readBlockingSerialPortHDMI_cb _hidl_cb) override;
+    Return<void> readNonBlockingSerialPortHDMI(uint32_t data_size,
+                                               readNonBlockingSerialPortHDMI_cb _hidl_cb) override;
     Return<int32_t> writeSerialPortHDMI(const hidl_vec<uint8_t>& data) override;
-    Return<int32_t> openSerialPortTTL(int32_t baudrate, uint8_t databits, uint8_t stopbits, int8_t parity) override;
+    Return<int32_t> openSerialPortTTL(int32_t baudrate, uint8_t databits, uint8_t stopbits,
+                                      int8_t parity) override;
     Return<int32_t> closeSerialPortTTL() override;
-    Return<void> readBlockingSerialPortTTL(uint32_t data_size, uint32_t timeout_ms, readBlockingSerialPortTTL_cb _hidl_cb) override;
-    Return<void> readNonBlockingSerialPortTTL(uint32_t data_size, readNonBlockingSerialPortTTL_cb _hidl_cb) override;
+    Return<void> readBlockingSerialPortTTL(uint32_t data_size, uint32_t timeout_ms,
+                                           readBlockingSerialPortTTL_cb _hidl_cb) override;
+    Return<void> readNonBlockingSerialPortTTL(uint32_t data_size,
+                                              readNonBlockingSerialPortTTL_cb _hidl_cb) override;
     Return<int32_t> writeSerialPortTTL(const hidl_vec<uint8_t>& data) override;
-    Return<int32_t> openSerialPortTTL_2(int32_t baudrate, uint8_t databits, uint8_t stopbits, int8_t parity) override;
+    Return<int32_t> openSerialPortTTL_2(int32_t baudrate, uint8_t databits, uint8_t stopbits,
+                                        int8_t parity) override;
     Return<int32_t> closeSerialPortTTL_2() override;
-    Return<void> readBlockingSerialPortTTL_2(uint32_t data_size, uint32_t timeout_ms, readBlockingSerialPortTTL_2_cb _hidl_cb) override;
-    Return<void> readNonBlockingSerialPortTTL_2(uint32_t data_size, readNonBlockingSerialPortTTL_2_cb _hidl_cb) override;
+    Return<void> readBlockingSerialPortTTL_2(uint32_t data_size, uint32_t timeout_ms,
+                                             readBlockingSerialPortTTL_2_cb _hidl_cb) override;
+    Return<void> readNonBlockingSerialPortTTL_2(uint32_t data_size,
+                                                readNonBlockingSerialPortTTL_2_cb _hidl_cb) override;
     Return<int32_t> writeSerialPortTTL_2(const hidl_vec<uint8_t>& data) override;
     Return<int32_t> setSimpleFanState(int32_t state) override;
     Return<int32_t> getSimPleFanState() override;
@@ -98,15 +119,21 @@ struct VeskDeviceManager : public IVeskDeviceManager {
     Return<int32_t> setRelayState(int32_t state) override;
     Return<int32_t> getRelayState() override;
     Return<int32_t> writeBlockDataDefined(const hidl_vec<uint8_t>& data, uint32_t offset) override;
-    Return<void> readBlockDataDefined(uint32_t length, uint32_t offset, readBlockDataDefined_cb _hidl_cb) override;
+    Return<void> readBlockDataDefined(uint32_t length, uint32_t offset,
+                                      readBlockDataDefined_cb _hidl_cb) override;
     Return<int32_t> writeBlockDataScreen(const hidl_vec<uint8_t>& data, uint32_t offset) override;
-    Return<void> readBlockDataScreen(uint32_t length, uint32_t offset, readBlockDataScreen_cb _hidl_cb) override;
+    Return<void> readBlockDataScreen(uint32_t length, uint32_t offset,
+                                     readBlockDataScreen_cb _hidl_cb) override;
     Return<int32_t> loadFPGAProgram() override;
     Return<int32_t> loadFPGAParamBlockData() override;
-    Return<int32_t> setFPGAProgramBlockData(const hidl_vec<uint8_t>& data, uint32_t length, uint32_t offset) override;
-    Return<void> getFPGAProgramBlockData(uint32_t length, uint32_t offset, getFPGAProgramBlockData_cb _hidl_cb) override;
-    Return<int32_t> writeBlockData(const hidl_string& path, uint32_t offset, uint32_t length, const hidl_vec<uint8_t>& data) override;
-    Return<void> readBlockData(const hidl_string& path, uint32_t offset, uint32_t length, readBlockData_cb _hidl_cb) override;
+    Return<int32_t> setFPGAProgramBlockData(const hidl_vec<uint8_t>& data, uint32_t length,
+                                            uint32_t offset) override;
+    Return<void> getFPGAProgramBlockData(uint32_t length, uint32_t offset,
+                                         getFPGAProgramBlockData_cb _hidl_cb) override;
+    Return<int32_t> writeBlockData(const hidl_string& path, uint32_t offset, uint32_t length,
+                                   const hidl_vec<uint8_t>& data) override;
+    Return<void> readBlockData(const hidl_string& path, uint32_t offset, uint32_t length,
+                               readBlockData_cb _hidl_cb) override;
     Return<int32_t> setOpsUsbPort(int32_t state) override;
     Return<int32_t> getOpsUsbPort() override;
     Return<int32_t> setOpsSwitchState(int32_t state) override;
@@ -132,7 +159,8 @@ struct VeskDeviceManager : public IVeskDeviceManager {
     Return<int32_t> getPcControlStatus() override;
     Return<int32_t> setUsbSubCardLedStatus(int32_t enable) override;
     Return<int32_t> getUsbSubCardLedStatus() override;
-    Return<void> calculateResolutionParameters(uint32_t width, uint32_t height, uint32_t fps, calculateResolutionParameters_cb _hidl_cb) override;
+    Return<void> calculateResolutionParameters(uint32_t width, uint32_t height, uint32_t fps,
+                                               calculateResolutionParameters_cb _hidl_cb) override;
     Return<void> getResolutionParameters(getResolutionParameters_cb _hidl_cb) override;
     Return<void> getResolutionParametersList(getResolutionParametersList_cb _hidl_cb) override;
     Return<int32_t> getNetWorkState() override;
@@ -153,9 +181,12 @@ struct VeskDeviceManager : public IVeskDeviceManager {
     Return<int32_t> setRtcWakeTime(const hidl_vec<uint32_t>& time) override;
     Return<void> getRtcBootTime(getRtcBootTime_cb _hidl_cb) override;
     Return<void> getRtcWakeTime(getRtcWakeTime_cb _hidl_cb) override;
-    Return<void> getEdidFromDefined(uint8_t index, uint16_t width, uint16_t height, float refresh, getEdidFromDefined_cb _hidl_cb) override;
-    Return<void> getEdidByModel(uint16_t width, uint16_t height, float refresh, getEdidByModel_cb _hidl_cb) override;
-    Return<void> getResolutionByEdid(const hidl_vec<uint8_t>& edid, getResolutionByEdid_cb _hidl_cb) override;
+    Return<void> getEdidFromDefined(uint8_t index, uint16_t width, uint16_t height, float refresh,
+                                    getEdidFromDefined_cb _hidl_cb) override;
+    Return<void> getEdidByModel(uint16_t width, uint16_t height, float refresh,
+                                getEdidByModel_cb _hidl_cb) override;
+    Return<void> getResolutionByEdid(const hidl_vec<uint8_t>& edid,
+                                     getResolutionByEdid_cb _hidl_cb) override;
     Return<int32_t> getAdcBoardId() override;
     Return<int32_t> setLowPowerMode() override;
     Return<int32_t> setNormalPowerMode() override;

@@ -44,11 +44,10 @@ bool numericSwitch(const char* record, size_t offset) {
 }
 
 void fillProductInfo(const char* record, ProductInfo& info) {
-    hidl_string* fields[] = {&info.text01, &info.modelId, &info.text03, &info.text04,
-                             &info.text05, &info.text06,  &info.text07, &info.text08,
-                             &info.text09, &info.text10,  &info.text11, &info.text12,
-                             &info.text13, &info.text14,  &info.text15, &info.text16,
-                             &info.text17, &info.text18,  &info.text19, &info.text20,
+    hidl_string* fields[] = {&info.text01, &info.modelId, &info.text03, &info.text04, &info.text05,
+                             &info.text06, &info.text07,  &info.text08, &info.text09, &info.text10,
+                             &info.text11, &info.text12,  &info.text13, &info.text14, &info.text15,
+                             &info.text16, &info.text17,  &info.text18, &info.text19, &info.text20,
                              &info.text21};
     static_assert(std::size(kTextOffsets) == std::size(fields));
     for (size_t i = 0; i < std::size(fields); ++i) {

@@ -11,22 +11,24 @@ namespace {
 
 #define VESK_BOARD_SERIAL(prefix)                                                              \
     bi_serial_##prefix##_open, bi_serial_##prefix##_close, bi_serial_##prefix##_blocking_read, \
-        bi_serial_##prefix##_nonblocking_read, bi_serial_##prefix##_write
+            bi_serial_##prefix##_nonblocking_read, bi_serial_##prefix##_write
 
 // Line numbers: open, close, blocking read and its negative count, non-blocking read, its
 // count line and its negative count, write.
 constexpr SerialChannel k485{
-    VESK_BOARD_SERIAL(485), {226, 234, 242, 256, 264, 0, 277, 285}, NonBlockingReport::kCommon};
-constexpr SerialChannel k485_2{
-    VESK_BOARD_SERIAL(485_2), {291, 299, 307, 321, 329, 0, 342, 350}, NonBlockingReport::kCommon};
+        VESK_BOARD_SERIAL(485), {226, 234, 242, 256, 264, 0, 277, 285}, NonBlockingReport::kCommon};
+constexpr SerialChannel k485_2{VESK_BOARD_SERIAL(485_2),
+                               {291, 299, 307, 321, 329, 0, 342, 350},
+                               NonBlockingReport::kCommon};
 constexpr SerialChannel k232{
-    VESK_BOARD_SERIAL(232), {355, 363, 371, 385, 393, 0, 406, 414}, NonBlockingReport::kCommon};
+        VESK_BOARD_SERIAL(232), {355, 363, 371, 385, 393, 0, 406, 414}, NonBlockingReport::kCommon};
 constexpr SerialChannel kLora{
-    VESK_BOARD_SERIAL(lora), {419, 427, 435, 449, 457, 0, 470, 479}, NonBlockingReport::kCommon};
+        VESK_BOARD_SERIAL(lora), {419, 427, 435, 449, 457, 0, 470, 479}, NonBlockingReport::kCommon};
 constexpr SerialChannel kHdmi{
-    VESK_BOARD_SERIAL(hdmi), {484, 492, 500, 514, 522, 0, 535, 543}, NonBlockingReport::kCommon};
-constexpr SerialChannel kTtl{
-    VESK_BOARD_SERIAL(ttl), {548, 556, 564, 578, 586, 594, 599, 607}, NonBlockingReport::kCountLine};
+        VESK_BOARD_SERIAL(hdmi), {484, 492, 500, 514, 522, 0, 535, 543}, NonBlockingReport::kCommon};
+constexpr SerialChannel kTtl{VESK_BOARD_SERIAL(ttl),
+                             {548, 556, 564, 578, 586, 594, 599, 607},
+                             NonBlockingReport::kCountLine};
 constexpr SerialChannel kTtl_2{VESK_BOARD_SERIAL(ttl_2),
                                {611, 619, 627, 641, 649, 658, 663, 671},
                                NonBlockingReport::kSizeLine};
@@ -45,13 +47,14 @@ constexpr SerialChannel kTtl_2{VESK_BOARD_SERIAL(ttl_2),
         return serial::close(channel, "closeSerialPort" #suffix);                                   \
     }                                                                                               \
     Return<void> VeskDeviceManager::readBlockingSerialPort##suffix(                                 \
-        uint32_t data_size, uint32_t timeout_ms, readBlockingSerialPort##suffix##_cb _hidl_cb) {    \
+            uint32_t data_size, uint32_t timeout_ms,                                                \
+            readBlockingSerialPort##suffix##_cb _hidl_cb) {                                         \
         serial::blockingRead(channel, "readBlockingSerialPort" #suffix, data_size, timeout_ms,      \
                              _hidl_cb);                                                             \
         return Void();                                                                              \
     }                                                                                               \
     Return<void> VeskDeviceManager::readNonBlockingSerialPort##suffix(                              \
-        uint32_t data_size, readNonBlockingSerialPort##suffix##_cb _hidl_cb) {                      \
+            uint32_t data_size, readNonBlockingSerialPort##suffix##_cb _hidl_cb) {                  \
         serial::nonBlockingRead(channel, "readNonBlockingSerialPort" #suffix, data_size, _hidl_cb); \
         return Void();                                                                              \
     }                                                                                               \

@@ -18,11 +18,10 @@ namespace vesk::hardware::veskdevicemanager::implementation {
 namespace {
 
 constexpr size_t kLogRecordSize = sizeof(vesk_log_record);
-constexpr size_t kLogFieldOffsets[] = {offsetof(vesk_log_record, level),
-                                       offsetof(vesk_log_record, base),
-                                       offsetof(vesk_log_record, mode),
-                                       offsetof(vesk_log_record, total_size),
-                                       offsetof(vesk_log_record, once_size)};
+constexpr size_t kLogFieldOffsets[] = {
+        offsetof(vesk_log_record, level), offsetof(vesk_log_record, base),
+        offsetof(vesk_log_record, mode), offsetof(vesk_log_record, total_size),
+        offsetof(vesk_log_record, once_size)};
 
 // The log record with one zero byte behind it, so that a field that fills the record to its
 // end still reads as a terminated string.
@@ -42,7 +41,8 @@ void copyLogField(LogRecordBuffer& record, size_t index, const hidl_string& text
 }
 
 Return<void> getRtcTime(const char* method, int line, int (*boardGet)(unsigned int*),
-                        const char* failure, const std::function<void(const hidl_vec<uint32_t>&)>& cb) {
+                        const char* failure,
+                        const std::function<void(const hidl_vec<uint32_t>&)>& cb) {
     trace(method, line);
     hidl_vec<uint32_t> time(VESK_RTC_TIME_WORDS);
     if (boardGet(time.data()) < 0) {
@@ -230,8 +230,8 @@ Return<int32_t> VeskDeviceManager::setPQEnable(int32_t enable) {
 Return<int32_t> VeskDeviceManager::setHDREnable(int32_t enable) {
     trace("setHDREnable", 1646);
     if (enable == 0) {
-        int status =
-                vesk::platform::runCommand("/system/bin/test-systemcontrol -d sdr rgb,8bit 2160p60hz");
+        int status = vesk::platform::runCommand(
+                "/system/bin/test-systemcontrol -d sdr rgb,8bit 2160p60hz");
         if (status != 0) vesk::log::error(kTag, "%s: set HDR Disable failed\n", "setHDREnable");
         return status;
     }

@@ -34,10 +34,10 @@ char currentLevel() {
     return value[0];
 }
 
-#define VESK_LOG_AT(priority)                 \
-    va_list args;                             \
-    va_start(args, format);                   \
-    write(priority, tag, format, args);       \
+#define VESK_LOG_AT(priority)           \
+    va_list args;                       \
+    va_start(args, format);             \
+    write(priority, tag, format, args); \
     va_end(args)
 
 void debug(const char* tag, const char* format, ...) {

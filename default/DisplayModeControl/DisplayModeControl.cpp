@@ -1,10 +1,10 @@
 #include "DisplayModeControl.h"
 
+#include <cutils/properties.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-
-#include <cutils/properties.h>
 
 #include "CustomMode.h"
 #include "VeskLog.h"
@@ -87,8 +87,8 @@ int DisplayModeControl::verify(uint32_t modid, uint32_t width, uint32_t height,
     vesk::log::info(kTag, "allow.v_pixel_min:%d allow.v_pixel_max:%d\n", allow->v_pixel_min,
                     allow->v_pixel_max);
     // 55 and 38 are fixed markers that the board's log readers look for.
-    if (allow->h_pixel_min > width || allow->h_pixel_max < width ||
-        allow->v_pixel_min > height || allow->v_pixel_max < height) {
+    if (allow->h_pixel_min > width || allow->h_pixel_max < width || allow->v_pixel_min > height ||
+        allow->v_pixel_max < height) {
         vesk::log::error(kTag, "%s out of range %dx%d in line %d\n", "verify", width, height, 55);
         return -1;
     }
@@ -171,8 +171,8 @@ int DisplayModeControl::setHDMIOutputMode() {
         return -2;
     }
     vesk::log::info(kTag, "updateValue ubootenv.var.hdmimode successful\n");
-    std::string applied = std::to_string(timing.h_active) + "x" +
-                          std::to_string(timing.v_active) + "@" + std::to_string(timing.v_freq);
+    std::string applied = std::to_string(timing.h_active) + "x" + std::to_string(timing.v_active) +
+                          "@" + std::to_string(timing.v_freq);
     property_set("persist.vesk.custom.mode", applied.c_str());
     vesk::log::info(kTag, "setHDMIOutputMode success\n");
     return 1;

@@ -261,9 +261,9 @@ void VideoTimingCaculator::calculateStandardBlanking() {
     if (idealDutyCycle < 20) {
         hBlank = totalActivePixels * 20 / 80 / (2 * cell) * 2 * cell;
     } else {
-        hBlank = toField(
-            floorExact(idealDutyCycle * totalActivePixels / (100 - idealDutyCycle) / (2.0 * cell)) *
-            2 * cell);
+        hBlank = toField(floorExact(idealDutyCycle * totalActivePixels / (100 - idealDutyCycle) /
+                                    (2.0 * cell)) *
+                         2 * cell);
     }
     totalPixels = totalActivePixels + hBlank;
 
@@ -281,7 +281,7 @@ void VideoTimingCaculator::calculateStandardBlanking() {
 // floor. Otherwise, and for quotients that are not positive or not small, the two steps decide.
 double VideoTimingCaculator::blankLinesEstimate(double fieldTime, double activeLines) const {
     const double quick = rbMinVBlankTime * activeLines / fieldTime;  // the product is exact
-    if (quick > 0.0 && quick < 1099511627776.0) {                     // 2^40
+    if (quick > 0.0 && quick < 1099511627776.0) {                    // 2^40
         const double whole = static_cast<double>(static_cast<int64_t>(quick));
         const double margin = quick * 0x1p-49;  // 16 units in the last place
         if (quick - whole > margin && whole + 1 - quick > margin) return whole + 1;
@@ -301,15 +301,14 @@ void VideoTimingCaculator::calculateReducedBlanking(bool version2, double fieldT
     actVbiLines = toField(blankLines);
     vBlank = actVbiLines;
     totalVLines =
-        toField(interlace + topMargin + static_cast<double>(vLinesRnd) + bottomMargin + vBlank);
+            toField(interlace + topMargin + static_cast<double>(vLinesRnd) + bottomMargin + vBlank);
 
     // The same total as a double, without the round trip through the fields on the way to the
     // clock: whole numbers below 2^32 add exactly, and truncation takes the interlace half away.
     const double wholeLines = activeLines + blankLines;
     const double vTotal = wholeLines < 4294967296.0 ? wholeLines : totalVLines;
-    actPixelFreq =
-        clockStep *
-        floorExact(perClockStep(refreshMultiplier * (vFieldRateRqd * vTotal * totalPixels / 1e6)));
+    actPixelFreq = clockStep * floorExact(perClockStep(refreshMultiplier * (vFieldRateRqd * vTotal *
+                                                                            totalPixels / 1e6)));
 
     if (version2) {
         vBackPorch = kRb2VBackPorch;
@@ -398,12 +397,12 @@ void VideoTimingCaculator::completeRecord() {
 
     // With a zero clock the periods and durations below are infinite; the unsigned fields
     // among them then hold 0 (see toField).
-    timing.h_freq = second2[0];                                      // round(hz / ht) / 1000
-    timing.h_period = second2[1];                                    // round(ht / hz * 1e9) / 1000
+    timing.h_freq = second2[0];                                     // round(hz / ht) / 1000
+    timing.h_period = second2[1];                                   // round(ht / hz * 1e9) / 1000
     timing.vblank_duration = toField(roundExact(first1[1] * 1e6));  // vBlank * ht / hz * 1e6
-    timing.v_freq = second1[1];                                      // round(hz / (vt * ht) * 1000) / 1000
-    timing.v_period = roundExact(second4[1]) / 1000;                 // round(1e6 / ...) / 1000
-    timing.peak_bw = toField(roundExact(second4[0]));                // hz * bits * components / 1e6
+    timing.v_freq = second1[1];                        // round(hz / (vt * ht) * 1000) / 1000
+    timing.v_period = roundExact(second4[1]) / 1000;   // round(1e6 / ...) / 1000
+    timing.peak_bw = toField(roundExact(second4[0]));  // hz * bits * components / 1e6
     timing.line_bw = toField(roundExact(second3[0]));
     timing.active_bw = toField(roundExact(second3[1]));
 }

@@ -85,7 +85,8 @@ class VideoTimingCaculator {
     void calculateStandardBlanking();
     // `fieldTime` is 1e6 / vFieldRateRqd - rbMinVBlankTime.
     [[gnu::always_inline]] inline void calculateReducedBlanking(bool version2, double fieldTime);
-    [[gnu::always_inline]] inline double blankLinesEstimate(double fieldTime, double activeLines) const;
+    [[gnu::always_inline]] inline double blankLinesEstimate(double fieldTime,
+                                                            double activeLines) const;
     [[gnu::always_inline]] inline void fillRecord(Blanking blanking, const std::string& mode,
                                                   uint32_t bitsPerComponent,
                                                   double componentsPerPixel);
@@ -154,7 +155,7 @@ class VideoTimingCaculator {
     double interlace;   // 0.5 for an interlaced field, else 0
     uint32_t bitsPerComponentRqd;
     double componentsPerPixelRqd;
-    bool recordComplete;  // the rates, periods and bandwidths of the record are filled in
+    bool recordComplete;      // the rates, periods and bandwidths of the record are filled in
     Blanking recordBlanking;  // of the mode whose name the record holds; kOther: any name
 };
 

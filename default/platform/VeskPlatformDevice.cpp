@@ -1,10 +1,10 @@
 /*
  * The platform seams on the device: the real shell, paths and ioctls.
  */
-#include "VeskPlatform.h"
-
 #include <stdlib.h>
 #include <sys/ioctl.h>
+
+#include "VeskPlatform.h"
 
 namespace vesk::platform {
 

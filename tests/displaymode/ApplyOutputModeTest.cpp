@@ -8,29 +8,31 @@ namespace vesk::test {
 namespace {
 
 const char* const kDump1920x1080[] = {
-    "cvt_rb_pix_clock        138.500 MHz\n", "cvt_rb_h_total          2080 Pixels\n",
-    "cvt_rb_h_active         1920 Pixels\n", "cvt_rb_h_blank          160 Pixels\n",
-    "cvt_rb_h_front_porch    48 Pixels\n",   "cvt_rb_h_sync           32 Pixels\n",
-    "cvt_rb_h_back_porch     80 Pixels\n",   "cvt_rb_h_sync_polarity  1 \n",
-    "cvt_rb_h_freq           66.587 KHz\n",  "cvt_rb_h_period         15.018 us\n",
-    "cvt_rb_v_total          1111 Pixels\n", "cvt_rb_v_active         1080 Pixels\n",
-    "cvt_rb_v_blank          31 Pixels\n",   "cvt_rb_vblank_duration  466 us\n",
-    "cvt_rb_v_front_porch    3 Pixels\n",    "cvt_rb_v_sync           5 Pixels\n",
-    "cvt_rb_v_back_porch     23 Pixels\n",   "cvt_rb_v_sync_polarity  0 \n",
-    "cvt_rb_v_freq           59.934 Hz\n",   "cvt_rb_v_period         16.685 us\n",
-    "cvt_rb_peak_bw          3324 Mbit/s\n", "cvt_rb_line_bw          3068 Mbit/s\n",
-    "cvt_rb_active_bw        2983 Mbit/s\n",
+        "cvt_rb_pix_clock        138.500 MHz\n", "cvt_rb_h_total          2080 Pixels\n",
+        "cvt_rb_h_active         1920 Pixels\n", "cvt_rb_h_blank          160 Pixels\n",
+        "cvt_rb_h_front_porch    48 Pixels\n",   "cvt_rb_h_sync           32 Pixels\n",
+        "cvt_rb_h_back_porch     80 Pixels\n",   "cvt_rb_h_sync_polarity  1 \n",
+        "cvt_rb_h_freq           66.587 KHz\n",  "cvt_rb_h_period         15.018 us\n",
+        "cvt_rb_v_total          1111 Pixels\n", "cvt_rb_v_active         1080 Pixels\n",
+        "cvt_rb_v_blank          31 Pixels\n",   "cvt_rb_vblank_duration  466 us\n",
+        "cvt_rb_v_front_porch    3 Pixels\n",    "cvt_rb_v_sync           5 Pixels\n",
+        "cvt_rb_v_back_porch     23 Pixels\n",   "cvt_rb_v_sync_polarity  0 \n",
+        "cvt_rb_v_freq           59.934 Hz\n",   "cvt_rb_v_period         16.685 us\n",
+        "cvt_rb_peak_bw          3324 Mbit/s\n", "cvt_rb_line_bw          3068 Mbit/s\n",
+        "cvt_rb_active_bw        2983 Mbit/s\n",
 };
 
 const char kReadBack1920x1080[] =
-    "getHDMIOutputMode h_active:1920 Pixels v_active:1080 Pixels v_freq:59.934000 hz\n";
+        "getHDMIOutputMode h_active:1920 Pixels v_active:1080 Pixels v_freq:59.934000 hz\n";
 const char kCustomModeOk[] = "updateValue ubootenv.var.custom_mode successful\n";
 const char kCustomModeError[] = "updateValue ubootenv.var.custom_mode error\n";
 const char kPreviousMode[] = "1280x720@59.979000";
 
 // The factory environment's selection, written by hand.
-const Variables kSelection = {
-    {"bootdelay", "1"}, {"hdmimode", "1080p60hz"}, {"is.bestmode", "true"}, {"custom_mode", "0"}};
+const Variables kSelection = {{"bootdelay", "1"},
+                              {"hdmimode", "1080p60hz"},
+                              {"is.bestmode", "true"},
+                              {"custom_mode", "0"}};
 
 class ApplyOutputModeTest : public DisplayModeTest {
   protected:
@@ -82,7 +84,8 @@ TEST_F(ApplyOutputModeTest, CustomModeIsWrittenThreeTimesBeforeTheReadBack) {
     setLevel("I");
     ASSERT_EQ(1, apply(1920, 1080));
     const std::string update =
-        std::string("update value name [ubootenv.var.custom_mode]: value [") + kMode1920x1080 + "]";
+            std::string("update value name [ubootenv.var.custom_mode]: value [") + kMode1920x1080 +
+            "]";
     EXPECT_EQ(3, countLines(kEnvTag, update));
     EXPECT_EQ(3, countLines(kControlTag, kCustomModeOk));
     int readBack = indexOfLine(kControlTag, "getHDMIOutputMode \n");
@@ -153,24 +156,28 @@ TEST_F(ApplyOutputModeTest, SeveralTimingsAreStoredFieldByField) {
         const char* property;
     };
     for (const Case& c : {
-             Case{800, 600, "36979,59837,35500,960,160,48,32,80,800,618,18,3,4,11,600,1,0,1,4,3,1,1",
-                  "800x600@59.837000"},
-             Case{
-                 1921, 1081,
-                 "66763,59984,139000,2082,160,48,32,80,1922,1113,31,3,10,18,1082,1,0,1,961,541,1,1",
-                 "1922x1082@59.984000"},
-             Case{4096, 2160,
-                  "133282,59983,567250,4256,160,48,32,80,4096,2222,62,3,10,49,2160,1,0,1,256,135,1,"
-                  "1",
-                  "4096x2160@59.983000"},
-             Case{2160, 4096,
-                  "252694,59980,586250,2320,160,48,32,80,2160,4213,117,3,10,104,4096,1,0,1,135,256,"
-                  "1,1",
-                  "2160x4096@59.980000"},
-             Case{3840, 2160,
-                  "133313,59997,533250,4000,160,48,32,80,3840,2222,62,3,5,54,2160,1,0,1,16,9,1,1",
-                  "3840x2160@59.997000"},
-             Case{1280, 720, kMode1280x720, "1280x720@59.979000"},
+                 Case{800, 600,
+                      "36979,59837,35500,960,160,48,32,80,800,618,18,3,4,11,600,1,0,1,4,3,1,1",
+                      "800x600@59.837000"},
+                 Case{1921, 1081,
+                      "66763,59984,139000,2082,160,48,32,80,1922,1113,31,3,10,18,1082,1,0,1,961,"
+                      "541,1,1",
+                      "1922x1082@59.984000"},
+                 Case{4096, 2160,
+                      "133282,59983,567250,4256,160,48,32,80,4096,2222,62,3,10,49,2160,1,0,1,256,"
+                      "135,1,"
+                      "1",
+                      "4096x2160@59.983000"},
+                 Case{2160, 4096,
+                      "252694,59980,586250,2320,160,48,32,80,2160,4213,117,3,10,104,4096,1,0,1,135,"
+                      "256,"
+                      "1,1",
+                      "2160x4096@59.980000"},
+                 Case{3840, 2160,
+                      "133313,59997,533250,4000,160,48,32,80,3840,2222,62,3,5,54,2160,1,0,1,16,9,1,"
+                      "1",
+                      "3840x2160@59.997000"},
+                 Case{1280, 720, kMode1280x720, "1280x720@59.979000"},
          }) {
         ASSERT_EQ(1, apply(c.width, c.height)) << c.width << "x" << c.height;
         EXPECT_EQ(c.mode, stored(0, "custom_mode"));
@@ -184,12 +191,12 @@ TEST_F(ApplyOutputModeTest, EnvironmentThatCannotBeLoadedGivesMinusTwo) {
     setProperty(kModeProperty, kPreviousMode);
     ASSERT_EQ(0, unlink((root / kEnvPartition).c_str()));
     EXPECT_EQ(-2, apply(1920, 1080));
-    EXPECT_EQ(
-        (LogLines{controlInfo("setHDMIOutputMode 65\n"),
-                  controlInfo(std::string(kMode1920x1080) + "\n"), controlError(kCustomModeError),
-                  controlError(kCustomModeError), controlError(kCustomModeError),
-                  controlInfo("getHDMIOutputMode \n"), controlError("getHDMIOutputMode error\n")}),
-        controlLog());
+    EXPECT_EQ((LogLines{controlInfo("setHDMIOutputMode 65\n"),
+                        controlInfo(std::string(kMode1920x1080) + "\n"),
+                        controlError(kCustomModeError), controlError(kCustomModeError),
+                        controlError(kCustomModeError), controlInfo("getHDMIOutputMode \n"),
+                        controlError("getHDMIOutputMode error\n")}),
+              controlLog());
     EXPECT_EQ("1", getProperty(kEnableProperty));
     EXPECT_EQ(kPreviousMode, getProperty(kModeProperty));
     EXPECT_EQ(std::vector<std::string>{kModeTool}, commands);
@@ -209,13 +216,13 @@ TEST_F(ApplyOutputModeTest, ReadOnlyImageGivesMinusTwoAtTheSelection) {
     // The list in memory keeps the new mode after the failed save, so the second and third
     // writes find it stored already and the read-back matches; the next write that must reach
     // the device is the selection's.
-    EXPECT_EQ(
-        (LogLines{controlInfo("setHDMIOutputMode 65\n"),
-                  controlInfo(std::string(kMode1920x1080) + "\n"), controlError(kCustomModeError),
-                  controlInfo(kCustomModeOk), controlInfo(kCustomModeOk),
-                  controlInfo("getHDMIOutputMode \n"), controlInfo(kReadBack1920x1080),
-                  controlError("updateValue ubootenv.var.is.bestmode error\n")}),
-        controlLog());
+    EXPECT_EQ((LogLines{controlInfo("setHDMIOutputMode 65\n"),
+                        controlInfo(std::string(kMode1920x1080) + "\n"),
+                        controlError(kCustomModeError), controlInfo(kCustomModeOk),
+                        controlInfo(kCustomModeOk), controlInfo("getHDMIOutputMode \n"),
+                        controlInfo(kReadBack1920x1080),
+                        controlError("updateValue ubootenv.var.is.bestmode error\n")}),
+              controlLog());
     EXPECT_EQ(0, countLines(kEnvTag, "[ubootenv.var.hdmimode]")) << "hdmimode is not attempted";
     EXPECT_EQ(before, partitionBytes(root));
     EXPECT_EQ("1", getProperty(kEnableProperty));
@@ -259,10 +266,10 @@ TEST_F(ApplyOutputModeTest, StoredZeroReadsBackAs3840x2160AndSoMatchesThatSize) 
 
 TEST_F(ApplyOutputModeTest, HdmiModeFailureGivesMinusTwoAfterTheBestModeWrite) {
     // Everything is stored already but a short hdmimode that has no room to grow.
-    writeEnvironment(
-        root,
-        filledUpTo(
-            {{"hdmimode", "1080p"}, {"is.bestmode", "false"}, {"custom_mode", kMode1920x1080}}, 2));
+    writeEnvironment(root, filledUpTo({{"hdmimode", "1080p"},
+                                       {"is.bestmode", "false"},
+                                       {"custom_mode", kMode1920x1080}},
+                                      2));
     std::string before = partitionBytes(root);
     setLevel("I");
     setProperty(kModeProperty, kPreviousMode);

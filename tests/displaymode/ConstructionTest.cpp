@@ -20,7 +20,7 @@ TEST_F(ConstructionTest, AnnouncesItselfBeforeLoadingTheEnvironment) {
     EXPECT_EQ(controlInfo("DisplayModeControl construct\n"), log.front());
     EXPECT_EQ(1, countLines(kControlTag, "construct"));
     EXPECT_LT(0, countLines(kEnvTag, "[ubootenv] using /dev/block/env with size(65536) (65532)"))
-        << "the environment is loaded after the line";
+            << "the environment is loaded after the line";
 }
 
 TEST_F(ConstructionTest, WritesNoLineBelowInformationLevel) {

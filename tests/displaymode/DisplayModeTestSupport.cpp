@@ -93,7 +93,7 @@ void writeEnvironment(const TempRoot& root, const Variables& variables) {
     writeFile(input, text);
     int status = -1;
     std::string output =
-        runCommand("mkenvimage -s 0x10000 -o '" + copy + "' '" + input + "' 2>&1", &status);
+            runCommand("mkenvimage -s 0x10000 -o '" + copy + "' '" + input + "' 2>&1", &status);
     ASSERT_EQ(0, status) << output;
     std::string bytes = readFile(copy);
     ASSERT_EQ(kCopySize, bytes.size());
@@ -126,7 +126,7 @@ std::string printenv(const TempRoot& root, int copy, const std::string& name) {
     writeFile(config, (root / kEnvPartition) + (copy == 0 ? " 0x0" : " 0x10000") + " 0x10000\n");
     int status = -1;
     std::string output =
-        runCommand("fw_printenv -c '" + config + "' -n " + name + " 2>/dev/null", &status);
+            runCommand("fw_printenv -c '" + config + "' -n " + name + " 2>/dev/null", &status);
     if (status != 0) return "<absent>";
     if (!output.empty() && output.back() == '\n') output.pop_back();
     return output;

@@ -32,9 +32,9 @@ inline constexpr char kModeTool[] = "/vendor/bin/hdmimode 999p60hz";
 // published CVT-RB mode (138.5 MHz, 2080 x 1111, 66.587 kHz, 59.934 Hz); the others follow the
 // same formulas (tests/timing/cvt_reference.py).
 inline constexpr char kMode1920x1080[] =
-    "66587,59934,138500,2080,160,48,32,80,1920,1111,31,3,5,23,1080,1,0,1,16,9,1,1";
+        "66587,59934,138500,2080,160,48,32,80,1920,1111,31,3,5,23,1080,1,0,1,16,9,1,1";
 inline constexpr char kMode1280x720[] =
-    "44444,59979,64000,1440,160,48,32,80,1280,741,21,3,5,13,720,1,0,1,16,9,1,1";
+        "44444,59979,64000,1440,160,48,32,80,1280,741,21,3,5,13,720,1,0,1,16,9,1,1";
 
 inline vesk::host::LogLine lineOf(int priority, const char* tag, const std::string& text) {
     return {priority, tag, text};

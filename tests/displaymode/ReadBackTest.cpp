@@ -108,7 +108,7 @@ TEST_F(ReadBackTest, TwentyThreeFieldsLeaveTheTimingAlone) {
 
 TEST_F(ReadBackTest, AnEmptyFieldReducesTheCount) {
     timing_t timing =
-        readBack("1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17,18,19,20,,22");  // 22 fields
+            readBack("1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17,18,19,20,,22");  // 22 fields
     EXPECT_EQ(describe(marked()), describe(timing));
     EXPECT_EQ(LogLines{controlInfo("getHDMIOutputMode \n")}, capturedLog());
 }
@@ -127,18 +127,18 @@ TEST_F(ReadBackTest, AbsentModeIsAnErrorAndTouchesNothing) {
     writeEnvironment(root, {{"hdmimode", "1080p60hz"}, {"is.bestmode", "true"}});
     timing_t timing = readBackStored();
     EXPECT_EQ(describe(marked()), describe(timing));
-    EXPECT_EQ(
-        (LogLines{controlInfo("getHDMIOutputMode \n"), controlError("getHDMIOutputMode error\n")}),
-        capturedLogWithTag(kControlTag));
+    EXPECT_EQ((LogLines{controlInfo("getHDMIOutputMode \n"),
+                        controlError("getHDMIOutputMode error\n")}),
+              capturedLogWithTag(kControlTag));
 }
 
 TEST_F(ReadBackTest, EnvironmentThatCannotBeLoadedReadsAsAbsent) {
     ASSERT_EQ(0, unlink((root / kEnvPartition).c_str()));
     timing_t timing = readBackStored();
     EXPECT_EQ(describe(marked()), describe(timing));
-    EXPECT_EQ(
-        (LogLines{controlInfo("getHDMIOutputMode \n"), controlError("getHDMIOutputMode error\n")}),
-        capturedLogWithTag(kControlTag));
+    EXPECT_EQ((LogLines{controlInfo("getHDMIOutputMode \n"),
+                        controlError("getHDMIOutputMode error\n")}),
+              capturedLogWithTag(kControlTag));
     EXPECT_EQ(1, countLines(kEnvTag, "don't init done"));
 }
 

@@ -8,9 +8,9 @@ namespace vesk::test {
 namespace {
 
 const LogLines kRowLines = {
-    controlInfo("find device in allow list\n"),
-    controlInfo("allow.h_pixel_min:800 allow.h_pixel_max:4096\n"),
-    controlInfo("allow.v_pixel_min:600 allow.v_pixel_max:4096\n"),
+        controlInfo("find device in allow list\n"),
+        controlInfo("allow.h_pixel_min:800 allow.h_pixel_max:4096\n"),
+        controlInfo("allow.v_pixel_min:600 allow.v_pixel_max:4096\n"),
 };
 
 LogLines rowLinesThen(const vesk::host::LogLine& last) {

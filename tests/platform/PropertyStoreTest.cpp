@@ -56,8 +56,11 @@ TEST_F(PropertyStoreTest, ValueSetByAnotherProcessIsSeenOnTheNextRead) {
     property_get("persist.vesk.shared", value, "none");
     EXPECT_STREQ("none", value);
     int status = 0;
-    runCommand("VESK_ROOT='" + root.path() + "' " VESK_BINARY_DIR "/bin/veskdm prop set "
-               "persist.vesk.shared fromchild", &status);
+    runCommand("VESK_ROOT='" + root.path() +
+                       "' " VESK_BINARY_DIR
+                       "/bin/veskdm prop set "
+                       "persist.vesk.shared fromchild",
+               &status);
     // The tool may not be built in every configuration; fall back to a forked writer.
     if (status != 0) {
         pid_t pid = fork();
@@ -91,8 +94,8 @@ TEST_F(PropertyStoreTest, ReaderNeverSeesATornValue) {
     std::atomic<bool> done{false};
     std::thread writer([&] {
         for (int i = 0; i < 2000; ++i) {
-            property_set("persist.vesk.torn", (i % 2) ? std::string(80, 'a').c_str()
-                                                      : std::string(40, 'b').c_str());
+            property_set("persist.vesk.torn",
+                         (i % 2) ? std::string(80, 'a').c_str() : std::string(40, 'b').c_str());
         }
         done = true;
     });

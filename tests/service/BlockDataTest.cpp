@@ -11,10 +11,10 @@ using BlockDataTest = EachLevelTest;
 TEST_F(BlockDataTest, WriteDefinedPassesOffsetBytesAndCountAndReturnsTheBoardValue) {
     script({{"bi_block_write_defined", {{"return", 3}}}});
     expectLinesAtEachLevel(
-        [&] {
-            EXPECT_EQ(3, int32_t(service->writeBlockDataDefined({7, 0, 255}, 16)));
-        },
-        {debugLine("writeBlockDataDefined 754\n")});
+            [&] {
+                EXPECT_EQ(3, int32_t(service->writeBlockDataDefined({7, 0, 255}, 16)));
+            },
+            {debugLine("writeBlockDataDefined 754\n")});
     auto board = callsOf("bi_block_write_defined");
     ASSERT_EQ(3u, board.size());
     EXPECT_EQ(json::array({16, json::array({7, 0, 255}), 3}), board[0]["args"]);
@@ -30,10 +30,10 @@ TEST_F(BlockDataTest, WriteDefinedReturnsABoardFailureUnchangedWithoutALine) {
 TEST_F(BlockDataTest, WriteScreenPassesOffsetBytesAndCountAndReturnsTheBoardValue) {
     script({{"bi_block_write_screen", {{"return", -9}}}});
     expectLinesAtEachLevel(
-        [&] {
-            EXPECT_EQ(-9, int32_t(service->writeBlockDataScreen({1, 2, 3, 4}, 4096)));
-        },
-        {debugLine("writeBlockDataScreen 778\n")});
+            [&] {
+                EXPECT_EQ(-9, int32_t(service->writeBlockDataScreen({1, 2, 3, 4}, 4096)));
+            },
+            {debugLine("writeBlockDataScreen 778\n")});
     auto board = callsOf("bi_block_write_screen");
     ASSERT_EQ(3u, board.size());
     EXPECT_EQ(json::array({4096, json::array({1, 2, 3, 4}), 4}), board[0]["args"]);
@@ -50,11 +50,11 @@ TEST_F(BlockDataTest, FpgaLoadsCallTheBoardWithoutArgumentsAndReturnItsValue) {
     script({{"bi_fpga_load_program", {{"return", -110}}},
             {"bi_fpga_load_parameter", {{"return", 4}}}});
     expectLinesAtEachLevel(
-        [&] {
-            EXPECT_EQ(-110, int32_t(service->loadFPGAProgram()));
-            EXPECT_EQ(4, int32_t(service->loadFPGAParamBlockData()));
-        },
-        {debugLine("loadFPGAProgram 802\n"), debugLine("loadFPGAParamBlockData 807\n")});
+            [&] {
+                EXPECT_EQ(-110, int32_t(service->loadFPGAProgram()));
+                EXPECT_EQ(4, int32_t(service->loadFPGAParamBlockData()));
+            },
+            {debugLine("loadFPGAProgram 802\n"), debugLine("loadFPGAParamBlockData 807\n")});
     auto program = callsOf("bi_fpga_load_program");
     auto parameter = callsOf("bi_fpga_load_parameter");
     ASSERT_EQ(3u, program.size());
@@ -67,10 +67,10 @@ TEST_F(BlockDataTest, FpgaLoadsCallTheBoardWithoutArgumentsAndReturnItsValue) {
 TEST_F(BlockDataTest, FpgaProgramWriteWithAShorterLengthPassesOnlyThatLength) {
     script({{"bi_block_write_fpga_program", {{"return", 3}}}});
     expectLinesAtEachLevel(
-        [&] {
-            EXPECT_EQ(3, int32_t(service->setFPGAProgramBlockData({9, 8, 7, 6, 5}, 3, 64)));
-        },
-        {debugLine("setFPGAProgramBlockData 812\n")});
+            [&] {
+                EXPECT_EQ(3, int32_t(service->setFPGAProgramBlockData({9, 8, 7, 6, 5}, 3, 64)));
+            },
+            {debugLine("setFPGAProgramBlockData 812\n")});
     auto board = callsOf("bi_block_write_fpga_program");
     ASSERT_EQ(3u, board.size());
     // The first three bytes of the vector: its own data pointer with the given length.
@@ -96,13 +96,13 @@ TEST_F(BlockDataTest, FpgaProgramWriteReturnsABoardFailureUnchanged) {
 TEST_F(BlockDataTest, ReadDefinedLogsLengthAndOffsetAndHandsBackTheBoardBytes) {
     script({{"bi_block_read_defined", {{"return", 4}, {"out", "0a0b0c0d"}}}});
     expectLinesAtEachLevel(
-        [&] {
-            BytesResult result;
-            service->readBlockDataDefined(4, 8, result.callback());
-            EXPECT_EQ(1, result.calls);
-            EXPECT_EQ((std::vector<uint8_t>{10, 11, 12, 13}), result.data);
-        },
-        {debugLine("readBlockDataDefined 762 length = 4 offset = 8\n")});
+            [&] {
+                BytesResult result;
+                service->readBlockDataDefined(4, 8, result.callback());
+                EXPECT_EQ(1, result.calls);
+                EXPECT_EQ((std::vector<uint8_t>{10, 11, 12, 13}), result.data);
+            },
+            {debugLine("readBlockDataDefined 762 length = 4 offset = 8\n")});
     auto board = callsOf("bi_block_read_defined");
     ASSERT_EQ(3u, board.size());
     EXPECT_EQ(json::array({8, nullptr, 4}), board[0]["args"]);
@@ -134,27 +134,27 @@ TEST_F(BlockDataTest, ReadDefinedShortCountKeepsTheRequestedLength) {
 TEST_F(BlockDataTest, ReadDefinedFailureEmptiesTheVectorAndNamesNoValue) {
     script({{"bi_block_read_defined", {{"return", -5}, {"out", "ffff"}}}});
     expectLinesAtEachLevel(
-        [&] {
-            BytesResult result;
-            result.data = {1, 2};
-            service->readBlockDataDefined(2, 0, result.callback());
-            EXPECT_EQ(1, result.calls);
-            EXPECT_TRUE(result.data.empty());
-        },
-        {debugLine("readBlockDataDefined 762 length = 2 offset = 0\n"),
-         errorLine("readBlockDataDefined: bi_block_read_defined failed\n")});
+            [&] {
+                BytesResult result;
+                result.data = {1, 2};
+                service->readBlockDataDefined(2, 0, result.callback());
+                EXPECT_EQ(1, result.calls);
+                EXPECT_TRUE(result.data.empty());
+            },
+            {debugLine("readBlockDataDefined 762 length = 2 offset = 0\n"),
+             errorLine("readBlockDataDefined: bi_block_read_defined failed\n")});
 }
 
 TEST_F(BlockDataTest, ReadScreenLogsLengthAndOffsetAndHandsBackTheBoardBytes) {
     script({{"bi_block_read_screen", {{"return", 3}, {"out", "010203"}}}});
     expectLinesAtEachLevel(
-        [&] {
-            BytesResult result;
-            service->readBlockDataScreen(3, 4294967295u, result.callback());
-            EXPECT_EQ(1, result.calls);
-            EXPECT_EQ((std::vector<uint8_t>{1, 2, 3}), result.data);
-        },
-        {debugLine("readBlockDataScreen 786 length = 3 offset = 4294967295\n")});
+            [&] {
+                BytesResult result;
+                service->readBlockDataScreen(3, 4294967295u, result.callback());
+                EXPECT_EQ(1, result.calls);
+                EXPECT_EQ((std::vector<uint8_t>{1, 2, 3}), result.data);
+            },
+            {debugLine("readBlockDataScreen 786 length = 3 offset = 4294967295\n")});
     auto board = callsOf("bi_block_read_screen");
     ASSERT_EQ(3u, board.size());
     EXPECT_EQ(json::array({4294967295u, nullptr, 3}), board[0]["args"]);
@@ -170,26 +170,26 @@ TEST_F(BlockDataTest, ReadScreenShortCountKeepsTheRequestedLength) {
 TEST_F(BlockDataTest, ReadScreenFailureEmptiesTheVectorAndNamesTheValue) {
     script({{"bi_block_read_screen", {{"return", -2}}}});
     expectLinesAtEachLevel(
-        [&] {
-            BytesResult result;
-            service->readBlockDataScreen(8, 1, result.callback());
-            EXPECT_EQ(1, result.calls);
-            EXPECT_TRUE(result.data.empty());
-        },
-        {debugLine("readBlockDataScreen 786 length = 8 offset = 1\n"),
-         errorLine("readBlockDataScreen: bi_block_read_screen failed. ret = -2\n")});
+            [&] {
+                BytesResult result;
+                service->readBlockDataScreen(8, 1, result.callback());
+                EXPECT_EQ(1, result.calls);
+                EXPECT_TRUE(result.data.empty());
+            },
+            {debugLine("readBlockDataScreen 786 length = 8 offset = 1\n"),
+             errorLine("readBlockDataScreen: bi_block_read_screen failed. ret = -2\n")});
 }
 
 TEST_F(BlockDataTest, FpgaProgramReadWritesThePlainTraceAndHandsBackTheBoardBytes) {
     script({{"bi_block_read_fpga_program", {{"return", 2}, {"out", "beef"}}}});
     expectLinesAtEachLevel(
-        [&] {
-            BytesResult result;
-            service->getFPGAProgramBlockData(2, 1024, result.callback());
-            EXPECT_EQ(1, result.calls);
-            EXPECT_EQ((std::vector<uint8_t>{0xbe, 0xef}), result.data);
-        },
-        {debugLine("getFPGAProgramBlockData 818\n")});
+            [&] {
+                BytesResult result;
+                service->getFPGAProgramBlockData(2, 1024, result.callback());
+                EXPECT_EQ(1, result.calls);
+                EXPECT_EQ((std::vector<uint8_t>{0xbe, 0xef}), result.data);
+            },
+            {debugLine("getFPGAProgramBlockData 818\n")});
     auto board = callsOf("bi_block_read_fpga_program");
     ASSERT_EQ(3u, board.size());
     EXPECT_EQ(json::array({1024, nullptr, 2}), board[0]["args"]);
@@ -212,14 +212,14 @@ TEST_F(BlockDataTest, FpgaProgramReadCountAboveTheLengthKeepsTheRequestedLength)
 TEST_F(BlockDataTest, FpgaProgramReadFailureEmptiesTheVectorAndNamesTheValue) {
     script({{"bi_block_read_fpga_program", {{"return", -4}}}});
     expectLinesAtEachLevel(
-        [&] {
-            BytesResult result;
-            service->getFPGAProgramBlockData(16, 0, result.callback());
-            EXPECT_EQ(1, result.calls);
-            EXPECT_TRUE(result.data.empty());
-        },
-        {debugLine("getFPGAProgramBlockData 818\n"),
-         errorLine("getFPGAProgramBlockData: bi_block_read_fpga_program failed. ret = -4\n")});
+            [&] {
+                BytesResult result;
+                service->getFPGAProgramBlockData(16, 0, result.callback());
+                EXPECT_EQ(1, result.calls);
+                EXPECT_TRUE(result.data.empty());
+            },
+            {debugLine("getFPGAProgramBlockData 818\n"),
+             errorLine("getFPGAProgramBlockData: bi_block_read_fpga_program failed. ret = -4\n")});
 }
 
 }  // namespace

@@ -56,13 +56,13 @@ TEST_F(EdidTest, FromDefinedPassesItsArgumentsAroundTheBufferAndHandsBack256Byte
     script({{"bi_resolution_get_edid_from_defined",
              {{"return", 0}, {"out", edidHex("00ffffffffffff00")}}}});
     expectLinesAtEachLevel(
-        [&] {
-            BytesResult result;
-            service->getEdidFromDefined(200, 65535, 1080, 59.5f, result.callback());
-            EXPECT_EQ(1, result.calls);
-            EXPECT_EQ(edidBytes({0, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0}), result.data);
-        },
-        {debugLine("getEdidFromDefined 1316\n")});
+            [&] {
+                BytesResult result;
+                service->getEdidFromDefined(200, 65535, 1080, 59.5f, result.callback());
+                EXPECT_EQ(1, result.calls);
+                EXPECT_EQ(edidBytes({0, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0}), result.data);
+            },
+            {debugLine("getEdidFromDefined 1316\n")});
     auto board = callsOf("bi_resolution_get_edid_from_defined");
     ASSERT_EQ(3u, board.size());
     EXPECT_EQ(json::array({200, 65535, 1080, nullptr, 59.5}), board[0]["args"]);
@@ -72,14 +72,14 @@ TEST_F(EdidTest, FromDefinedPassesItsArgumentsAroundTheBufferAndHandsBack256Byte
 TEST_F(EdidTest, FromDefinedFailureStillHandsBackAll256ZeroBytes) {
     script({{"bi_resolution_get_edid_from_defined", {{"return", -1}}}});
     expectLinesAtEachLevel(
-        [&] {
-            BytesResult result;
-            service->getEdidFromDefined(1, 1920, 1080, 60.0f, result.callback());
-            EXPECT_EQ(1, result.calls);
-            EXPECT_EQ(std::vector<uint8_t>(256, 0), result.data);
-        },
-        {debugLine("getEdidFromDefined 1316\n"),
-         errorLine("getEdidFromDefined bi_resolution_get_edid_from_defined failed\n")});
+            [&] {
+                BytesResult result;
+                service->getEdidFromDefined(1, 1920, 1080, 60.0f, result.callback());
+                EXPECT_EQ(1, result.calls);
+                EXPECT_EQ(std::vector<uint8_t>(256, 0), result.data);
+            },
+            {debugLine("getEdidFromDefined 1316\n"),
+             errorLine("getEdidFromDefined bi_resolution_get_edid_from_defined failed\n")});
 }
 
 TEST_F(EdidTest, FromDefinedFailureHandsBackWhatTheBoardWrote) {
@@ -92,13 +92,13 @@ TEST_F(EdidTest, FromDefinedFailureHandsBackWhatTheBoardWrote) {
 TEST_F(EdidTest, ByModelWritesNoTraceAndHandsBack256Bytes) {
     script({{"bi_resolution_get_edid_by_model", {{"return", 0}, {"out", edidHex("00ff")}}}});
     expectLinesAtEachLevel(
-        [&] {
-            BytesResult result;
-            service->getEdidByModel(3840, 2160, 29.75f, result.callback());
-            EXPECT_EQ(1, result.calls);
-            EXPECT_EQ(edidBytes({0, 0xff}), result.data);
-        },
-        {});
+            [&] {
+                BytesResult result;
+                service->getEdidByModel(3840, 2160, 29.75f, result.callback());
+                EXPECT_EQ(1, result.calls);
+                EXPECT_EQ(edidBytes({0, 0xff}), result.data);
+            },
+            {});
     auto board = callsOf("bi_resolution_get_edid_by_model");
     ASSERT_EQ(3u, board.size());
     EXPECT_EQ(json::array({3840, 2160, nullptr, 29.75}), board[0]["args"]);
@@ -108,28 +108,28 @@ TEST_F(EdidTest, ByModelWritesNoTraceAndHandsBack256Bytes) {
 TEST_F(EdidTest, ByModelFailureGivesAnEmptyVector) {
     script({{"bi_resolution_get_edid_by_model", {{"return", -2}, {"out", "0102"}}}});
     expectLinesAtEachLevel(
-        [&] {
-            BytesResult result;
-            result.data = {1};
-            service->getEdidByModel(640, 480, 60.0f, result.callback());
-            EXPECT_EQ(1, result.calls);
-            EXPECT_TRUE(result.data.empty());
-        },
-        {errorLine("getEdidByModel get edid by model failed\n")});
+            [&] {
+                BytesResult result;
+                result.data = {1};
+                service->getEdidByModel(640, 480, 60.0f, result.callback());
+                EXPECT_EQ(1, result.calls);
+                EXPECT_TRUE(result.data.empty());
+            },
+            {errorLine("getEdidByModel get edid by model failed\n")});
 }
 
 TEST_F(EdidTest, TimingOfA256ByteEdidIsTheBoardsRecord) {
     script({{"bi_resolution_get_prefferred_timing_by_edid",
              {{"return", 0}, {"out", "80070000380400003c00000001000000"}}}});
     expectLinesAtEachLevel(
-        [&] {
-            TimingResult result;
-            service->getResolutionByEdid(countingBytes(256), result.callback());
-            EXPECT_EQ(1, result.calls);
-            expectRecord(result.record, 1920, 1080, 60, 1);
-        },
-        {debugLine("getResolutionByEdid 1346\n"),
-         debugLine("getResolutionByEdid: width = 1920 height = 1080 fps = 60\n")});
+            [&] {
+                TimingResult result;
+                service->getResolutionByEdid(countingBytes(256), result.callback());
+                EXPECT_EQ(1, result.calls);
+                expectRecord(result.record, 1920, 1080, 60, 1);
+            },
+            {debugLine("getResolutionByEdid 1346\n"),
+             debugLine("getResolutionByEdid: width = 1920 height = 1080 fps = 60\n")});
     auto board = callsOf("bi_resolution_get_prefferred_timing_by_edid");
     ASSERT_EQ(3u, board.size());
     EXPECT_EQ(json::array({countingJson(256), nullptr}), board[0]["args"]);
@@ -159,27 +159,27 @@ TEST_F(EdidTest, TimingLineShowsLargeValuesUnsigned) {
 
 TEST_F(EdidTest, TimingOfA255ByteEdidIsRefusedWithoutABoardCall) {
     expectLinesAtEachLevel(
-        [&] {
-            TimingResult result;
-            service->getResolutionByEdid(countingBytes(255), result.callback());
-            EXPECT_EQ(1, result.calls);
-            expectRecord(result.record, 0, 0, 0, 0);
-        },
-        {debugLine("getResolutionByEdid 1346\n"),
-         errorLine("getResolutionByEdid invalid edid size = 255 not eq to 256\n")});
+            [&] {
+                TimingResult result;
+                service->getResolutionByEdid(countingBytes(255), result.callback());
+                EXPECT_EQ(1, result.calls);
+                expectRecord(result.record, 0, 0, 0, 0);
+            },
+            {debugLine("getResolutionByEdid 1346\n"),
+             errorLine("getResolutionByEdid invalid edid size = 255 not eq to 256\n")});
     EXPECT_TRUE(calls().empty());
 }
 
 TEST_F(EdidTest, TimingOfA257ByteEdidIsRefusedWithoutABoardCall) {
     expectLinesAtEachLevel(
-        [&] {
-            TimingResult result;
-            service->getResolutionByEdid(countingBytes(257), result.callback());
-            EXPECT_EQ(1, result.calls);
-            expectRecord(result.record, 0, 0, 0, 0);
-        },
-        {debugLine("getResolutionByEdid 1346\n"),
-         errorLine("getResolutionByEdid invalid edid size = 257 not eq to 256\n")});
+            [&] {
+                TimingResult result;
+                service->getResolutionByEdid(countingBytes(257), result.callback());
+                EXPECT_EQ(1, result.calls);
+                expectRecord(result.record, 0, 0, 0, 0);
+            },
+            {debugLine("getResolutionByEdid 1346\n"),
+             errorLine("getResolutionByEdid invalid edid size = 257 not eq to 256\n")});
     EXPECT_TRUE(calls().empty());
 }
 
@@ -204,15 +204,15 @@ TEST_F(EdidTest, TimingOfAnEmptyEdidIsRefused) {
 TEST_F(EdidTest, TimingRejectedByTheBoardWritesALineWithoutLineEndAndZeros) {
     script({{"bi_resolution_get_prefferred_timing_by_edid", {{"return", -3}}}});
     expectLinesAtEachLevel(
-        [&] {
-            TimingResult result;
-            service->getResolutionByEdid(countingBytes(256), result.callback());
-            EXPECT_EQ(1, result.calls);
-            expectRecord(result.record, 0, 0, 0, 0);
-        },
-        {debugLine("getResolutionByEdid 1346\n"),
-         errorLine("getResolutionByEdid: bi_resolution_get_prefferred_timing_by_edid failed, "
-                   "ret = -3")});
+            [&] {
+                TimingResult result;
+                service->getResolutionByEdid(countingBytes(256), result.callback());
+                EXPECT_EQ(1, result.calls);
+                expectRecord(result.record, 0, 0, 0, 0);
+            },
+            {debugLine("getResolutionByEdid 1346\n"),
+             errorLine("getResolutionByEdid: bi_resolution_get_prefferred_timing_by_edid failed, "
+                       "ret = -3")});
     EXPECT_EQ(3u, callsOf("bi_resolution_get_prefferred_timing_by_edid").size());
 }
 

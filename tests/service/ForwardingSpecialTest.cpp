@@ -80,7 +80,8 @@ TEST_F(ForwardingSpecialTest, FloatReadingsKeepANonIntegralBoardValueExactly) {
             {"bi_adc_get_board_temperature", {{"return", -3.375}}}});
     EXPECT_EQ(12.15f, float(service->getBoardVoltage()));
     EXPECT_EQ(-3.375f, float(service->getBoardTemperature()));
-    EXPECT_EQ((LogLines{debugLine("getBoardVoltage 1528\n"), debugLine("getBoardTemperature 1533\n")}),
+    EXPECT_EQ((LogLines{debugLine("getBoardVoltage 1528\n"),
+                        debugLine("getBoardTemperature 1533\n")}),
               capturedLogWithTag(kServiceTag));
     EXPECT_EQ(1u, callsOf("bi_adc_get_board_voltage").size());
     EXPECT_EQ(1u, callsOf("bi_adc_get_board_temperature").size());

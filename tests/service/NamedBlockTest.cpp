@@ -24,11 +24,11 @@ class NamedBlockTest : public EachLevelTest {
 TEST_F(NamedBlockTest, WriteToAMissingPathAnswersZeroWithOneErrorLineAndNoBoardCall) {
     script({{"bi_block_write_data", {{"return", -9}}}});
     expectLinesAtEachLevel(
-        [&] {
-            EXPECT_EQ(0, int32_t(service->writeBlockData(kMissing, 0, 2, {1, 2})));
-        },
-        {debugLine("writeBlockData 838 path = /data/blocks/none\n"),
-         errorLine("writeBlockData: /data/blocks/none not exist\n")});
+            [&] {
+                EXPECT_EQ(0, int32_t(service->writeBlockData(kMissing, 0, 2, {1, 2})));
+            },
+            {debugLine("writeBlockData 838 path = /data/blocks/none\n"),
+             errorLine("writeBlockData: /data/blocks/none not exist\n")});
     EXPECT_TRUE(calls().empty());
 }
 
@@ -36,11 +36,11 @@ TEST_F(NamedBlockTest, WriteToAnExistingPathPassesPathOffsetBytesAndCount) {
     createBlock(kBlock);
     script({{"bi_block_write_data", {{"return", 3}}}});
     expectLinesAtEachLevel(
-        [&] {
-            EXPECT_EQ(3, int32_t(service->writeBlockData(kBlock, 32, 3, {4, 5, 6})));
-        },
-        {debugLine("writeBlockData 838 path = /data/blocks/one\n"),
-         debugLine("writeBlockData: /data/blocks/one exist\n")});
+            [&] {
+                EXPECT_EQ(3, int32_t(service->writeBlockData(kBlock, 32, 3, {4, 5, 6})));
+            },
+            {debugLine("writeBlockData 838 path = /data/blocks/one\n"),
+             debugLine("writeBlockData: /data/blocks/one exist\n")});
     auto board = callsOf("bi_block_write_data");
     ASSERT_EQ(3u, board.size());
     EXPECT_EQ(json::array({"/data/blocks/one", 32, json::array({4, 5, 6}), 3}), board[0]["args"]);
@@ -52,7 +52,7 @@ TEST_F(NamedBlockTest, WriteIgnoresItsLengthAndPassesTheVectorsSize) {
     script({{"bi_block_write_data", {{"return", 2}}}});
     const hidl_vec<uint8_t> data = {0xaa, 0xbb, 0xcc, 0xdd, 0xee};
     const json expected =
-        json::array({"/data/blocks/one", 9, json::array({0xaa, 0xbb, 0xcc, 0xdd, 0xee}), 5});
+            json::array({"/data/blocks/one", 9, json::array({0xaa, 0xbb, 0xcc, 0xdd, 0xee}), 5});
     EXPECT_EQ(2, int32_t(service->writeBlockData(kBlock, 9, 100, data)));
     EXPECT_EQ(2, int32_t(service->writeBlockData(kBlock, 9, 2, data)));
     EXPECT_EQ(2, int32_t(service->writeBlockData(kBlock, 9, 0, data)));
@@ -67,24 +67,24 @@ TEST_F(NamedBlockTest, WriteFailureNamesThePathAndReturnsTheBoardValue) {
     createBlock(kBlock);
     script({{"bi_block_write_data", {{"return", -7}}}});
     expectLinesAtEachLevel(
-        [&] { EXPECT_EQ(-7, int32_t(service->writeBlockData(kBlock, 1, 1, {1}))); },
-        {debugLine("writeBlockData 838 path = /data/blocks/one\n"),
-         debugLine("writeBlockData: /data/blocks/one exist\n"),
-         errorLine("writeBlockData: bi_block_write_data(/data/blocks/one) failed\n")});
+            [&] { EXPECT_EQ(-7, int32_t(service->writeBlockData(kBlock, 1, 1, {1}))); },
+            {debugLine("writeBlockData 838 path = /data/blocks/one\n"),
+             debugLine("writeBlockData: /data/blocks/one exist\n"),
+             errorLine("writeBlockData: bi_block_write_data(/data/blocks/one) failed\n")});
 }
 
 TEST_F(NamedBlockTest, ReadFromAMissingPathGivesAnEmptyVectorWithOneErrorLineAndNoBoardCall) {
     script({{"bi_block_read_data", {{"return", 4}, {"out", "01020304"}}}});
     expectLinesAtEachLevel(
-        [&] {
-            BytesResult result;
-            result.data = {9};
-            service->readBlockData(kMissing, 0, 4, result.callback());
-            EXPECT_EQ(1, result.calls);
-            EXPECT_TRUE(result.data.empty());
-        },
-        {debugLine("readBlockData 861 path = /data/blocks/none\n"),
-         errorLine("readBlockData: /data/blocks/none not exist\n")});
+            [&] {
+                BytesResult result;
+                result.data = {9};
+                service->readBlockData(kMissing, 0, 4, result.callback());
+                EXPECT_EQ(1, result.calls);
+                EXPECT_TRUE(result.data.empty());
+            },
+            {debugLine("readBlockData 861 path = /data/blocks/none\n"),
+             errorLine("readBlockData: /data/blocks/none not exist\n")});
     EXPECT_TRUE(calls().empty());
 }
 
@@ -92,14 +92,14 @@ TEST_F(NamedBlockTest, ReadFromAnExistingPathPassesPathOffsetAndLength) {
     createBlock(kBlock);
     script({{"bi_block_read_data", {{"return", 3}, {"out", "c0ffee"}}}});
     expectLinesAtEachLevel(
-        [&] {
-            BytesResult result;
-            service->readBlockData(kBlock, 7, 3, result.callback());
-            EXPECT_EQ(1, result.calls);
-            EXPECT_EQ((std::vector<uint8_t>{0xc0, 0xff, 0xee}), result.data);
-        },
-        {debugLine("readBlockData 861 path = /data/blocks/one\n"),
-         debugLine("readBlockData: /data/blocks/one exist\n")});
+            [&] {
+                BytesResult result;
+                service->readBlockData(kBlock, 7, 3, result.callback());
+                EXPECT_EQ(1, result.calls);
+                EXPECT_EQ((std::vector<uint8_t>{0xc0, 0xff, 0xee}), result.data);
+            },
+            {debugLine("readBlockData 861 path = /data/blocks/one\n"),
+             debugLine("readBlockData: /data/blocks/one exist\n")});
     auto board = callsOf("bi_block_read_data");
     ASSERT_EQ(3u, board.size());
     EXPECT_EQ(json::array({"/data/blocks/one", 7, nullptr, 3}), board[0]["args"]);
@@ -118,15 +118,15 @@ TEST_F(NamedBlockTest, ReadFailureEmptiesTheVectorAndNamesTheValue) {
     createBlock(kBlock);
     script({{"bi_block_read_data", {{"return", -6}}}});
     expectLinesAtEachLevel(
-        [&] {
-            BytesResult result;
-            service->readBlockData(kBlock, 0, 8, result.callback());
-            EXPECT_EQ(1, result.calls);
-            EXPECT_TRUE(result.data.empty());
-        },
-        {debugLine("readBlockData 861 path = /data/blocks/one\n"),
-         debugLine("readBlockData: /data/blocks/one exist\n"),
-         errorLine("readBlockData: bi_block_read_data failed. ret = -6\n")});
+            [&] {
+                BytesResult result;
+                service->readBlockData(kBlock, 0, 8, result.callback());
+                EXPECT_EQ(1, result.calls);
+                EXPECT_TRUE(result.data.empty());
+            },
+            {debugLine("readBlockData 861 path = /data/blocks/one\n"),
+             debugLine("readBlockData: /data/blocks/one exist\n"),
+             errorLine("readBlockData: bi_block_read_data failed. ret = -6\n")});
 }
 
 TEST_F(NamedBlockTest, AnExistingDirectoryCountsAsExisting) {

@@ -12,11 +12,11 @@ struct Slot {
     const char* text;
 };
 const Slot kTextSlots[] = {
-        {0, "VESK"},         {64, "8470"},       {96, "RZ8K"},          {128, "SN-0001-ABC"},
-        {256, "fw 3.2.1"},   {320, "hw rev B"},  {384, "2026-11-01"},   {448, "00:11:22:33:44:55"},
-        {480, "eth0"},       {512, "wlan0"},     {544, "long notes"},   {1600, "t12"},
-        {1632, "t13"},       {1664, "t14"},      {1696, "t15"},         {1728, "t16"},
-        {1760, "t17"},       {1792, "t18"},      {1856, "t19-64-wide"}, {1952, "t20"},
+        {0, "VESK"},       {64, "8470"},      {96, "RZ8K"},          {128, "SN-0001-ABC"},
+        {256, "fw 3.2.1"}, {320, "hw rev B"}, {384, "2026-11-01"},   {448, "00:11:22:33:44:55"},
+        {480, "eth0"},     {512, "wlan0"},    {544, "long notes"},   {1600, "t12"},
+        {1632, "t13"},     {1664, "t14"},     {1696, "t15"},         {1728, "t16"},
+        {1760, "t17"},     {1792, "t18"},     {1856, "t19-64-wide"}, {1952, "t20"},
         {1984, "t21"}};
 
 std::string productRecord(const std::string& flag1, const std::string& flag2,
@@ -110,7 +110,8 @@ TEST_F(ProductInfoTest, SwitchWithDigitsThenLettersIsTrue) {
 
 TEST_F(ProductInfoTest, BoardFailureAnswersEmptyAndIsNotRetried) {
     setLevel("D");
-    script({{"bi_info_get_product_info", {{"return", -2}, {"out", hexOf(productRecord("1", "1", "1", "true"))}}}});
+    script({{"bi_info_get_product_info",
+             {{"return", -2}, {"out", hexOf(productRecord("1", "1", "1", "true"))}}}});
     ProductInfo first = fetch();
     EXPECT_TRUE(first == ProductInfo{});
     EXPECT_EQ((LogLines{debugLine("getProductInfo 146\n"),

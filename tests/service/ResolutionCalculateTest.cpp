@@ -31,11 +31,12 @@ class ResolutionCalculateTest : public ResolutionTest {
         vesk::sim::clearJournal();
         vesk::host::clearCapturedLog();
         EXPECT_EQ((Resolution{1234, 567, 89, -7}), calculate(1920, 1080, 30));
-        EXPECT_EQ((std::vector<json>{
-                      {{"function", "bi_info_get_product_info"}, {"args", {nullptr}}, {"return", 0}},
-                      {{"function", "bi_resolution_calculate_parameters"},
-                       {"args", {1920, 1080, 30, nullptr}},
-                       {"return", -5}}}),
+        EXPECT_EQ((std::vector<json>{{{"function", "bi_info_get_product_info"},
+                                      {"args", {nullptr}},
+                                      {"return", 0}},
+                                     {{"function", "bi_resolution_calculate_parameters"},
+                                      {"args", {1920, 1080, 30, nullptr}},
+                                      {"return", -5}}}),
                   calls());
         EXPECT_EQ((LogLines{infoLine("calculateResolutionParameters 1222\n"),
                             infoLine("using default resolution case\n")}),

@@ -39,14 +39,14 @@ void expectEntry(const VeskEffeResolution& entry, uint32_t width, uint32_t heigh
 TEST_F(ResolutionListTest, CountZeroWritesOneErrorLineAndGivesAnEmptyList) {
     script({{"bi_resolution_get_parameters_list", {{"return", 0}}}});
     expectLinesAtEachLevel(
-        [&] {
-            ListResult result;
-            result.list.resize(1);
-            service->getResolutionParametersList(result.callback());
-            EXPECT_EQ(1, result.calls);
-            EXPECT_TRUE(result.list.empty());
-        },
-        {errorLine("getResolutionParametersList: resolution list is 0\n")});
+            [&] {
+                ListResult result;
+                result.list.resize(1);
+                service->getResolutionParametersList(result.callback());
+                EXPECT_EQ(1, result.calls);
+                EXPECT_TRUE(result.list.empty());
+            },
+            {errorLine("getResolutionParametersList: resolution list is 0\n")});
     auto board = callsOf("bi_resolution_get_parameters_list");
     ASSERT_EQ(3u, board.size());
     EXPECT_EQ(json::array({nullptr}), board[0]["args"]);
@@ -62,16 +62,16 @@ TEST_F(ResolutionListTest, CountThreeGivesThreeEntriesInBoardOrderWithStatusOne)
     // clang-format on
     script({{"bi_resolution_get_parameters_list", {{"return", 3}, {"out", records}}}});
     expectLinesAtEachLevel(
-        [&] {
-            ListResult result;
-            service->getResolutionParametersList(result.callback());
-            EXPECT_EQ(1, result.calls);
-            ASSERT_EQ(3u, result.list.size());
-            expectEntry(result.list[0], 1920, 1080, 60);
-            expectEntry(result.list[1], 3840, 2160, 30);
-            expectEntry(result.list[2], 720, 576, 50);
-        },
-        {errorLine("getResolutionParametersList: resolution list is 3\n")});
+            [&] {
+                ListResult result;
+                service->getResolutionParametersList(result.callback());
+                EXPECT_EQ(1, result.calls);
+                ASSERT_EQ(3u, result.list.size());
+                expectEntry(result.list[0], 1920, 1080, 60);
+                expectEntry(result.list[1], 3840, 2160, 30);
+                expectEntry(result.list[2], 720, 576, 50);
+            },
+            {errorLine("getResolutionParametersList: resolution list is 3\n")});
 }
 
 TEST_F(ResolutionListTest, EveryByteOfTheThreeWordsIsRead) {
@@ -152,11 +152,11 @@ using ResolutionListDeathTest = ResolutionListTest;
 TEST_F(ResolutionListDeathTest, ANegativeCountEndsTheProcess) {
     script({{"bi_resolution_get_parameters_list", {{"return", -1}}}});
     EXPECT_DEATH(
-        {
-            vesk::host::logToStderr();  // the fatal line goes where the death test sees it
-            service->getResolutionParametersList([](const hidl_vec<VeskEffeResolution>&) {});
-        },
-        "resolution list is -1\n.*hidl_vec can't hold more than 2\\^32 elements\\.");
+            {
+                vesk::host::logToStderr();  // the fatal line goes where the death test sees it
+                service->getResolutionParametersList([](const hidl_vec<VeskEffeResolution>&) {});
+            },
+            "resolution list is -1\n.*hidl_vec can't hold more than 2\\^32 elements\\.");
 }
 
 }  // namespace

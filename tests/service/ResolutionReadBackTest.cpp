@@ -36,9 +36,10 @@ TEST_F(ResolutionReadBackTest, StoredZeroReports3840x2160AtRateZero) {
                         controlWarn("getHDMIOutputMode custom_mode is null \n"),
                         timingLine(3840, 2160, "60.000000")}),
               capturedLogWithTags({kServiceTag, kControlTag}));
-    EXPECT_EQ((std::vector<json>{
-                  {{"function", "bi_info_get_product_info"}, {"args", {nullptr}}, {"return", 0}}}),
-              calls());
+    EXPECT_EQ(
+            (std::vector<json>{
+                    {{"function", "bi_info_get_product_info"}, {"args", {nullptr}}, {"return", 0}}}),
+            calls());
 }
 
 TEST_F(ResolutionReadBackTest, TwentyTwoFieldsWithRate59934Report59) {
@@ -52,11 +53,11 @@ TEST_F(ResolutionReadBackTest, TwentyOneFieldsReportZeros) {
     // Stored with the host tool, as a client developer would.
     int status = -1;
     std::string output =
-        runCommand("VESK_ROOT='" + root.path() +
-                       "' " VESK_BINARY_DIR
-                       "/bin/veskdm env set custom_mode "
-                       "1,2,3,4,5,6,7,8,1920,10,11,12,13,14,1080,16,17,18,19,20,21 2>&1",
-                   &status);
+            runCommand("VESK_ROOT='" + root.path() +
+                               "' " VESK_BINARY_DIR
+                               "/bin/veskdm env set custom_mode "
+                               "1,2,3,4,5,6,7,8,1920,10,11,12,13,14,1080,16,17,18,19,20,21 2>&1",
+                       &status);
     ASSERT_EQ(0, status) << output;
     EXPECT_EQ((Resolution{0, 0, 0, 1}), readBack());
     EXPECT_EQ((LogLines{caseLine(), timingLine(0, 0, "0.000000")}), capturedLogWithTag(kServiceTag));
@@ -108,11 +109,13 @@ TEST_F(ResolutionReadBackTest, OtherModelsAskTheBoard) {
                 {"bi_resolution_get_parameters",
                  {{"return", -3}, {"out", resolutionRecordHex(2560, 1440, 144, -9)}}}});
         EXPECT_EQ((Resolution{2560, 1440, 144, -9}), readBack()) << model;
-        EXPECT_EQ(
-            (std::vector<json>{
-                {{"function", "bi_info_get_product_info"}, {"args", {nullptr}}, {"return", 0}},
-                {{"function", "bi_resolution_get_parameters"}, {"args", {nullptr}}, {"return", -3}}}),
-            calls());
+        EXPECT_EQ((std::vector<json>{{{"function", "bi_info_get_product_info"},
+                                      {"args", {nullptr}},
+                                      {"return", 0}},
+                                     {{"function", "bi_resolution_get_parameters"},
+                                      {"args", {nullptr}},
+                                      {"return", -3}}}),
+                  calls());
         EXPECT_EQ(LogLines{}, capturedLogWithTag(kServiceTag)) << model;
     }
 }

@@ -42,27 +42,27 @@ inline void PrintTo(const SerialChannelCase& channel, std::ostream* os) {
 
 #define VESK_SERIAL_TEST_METHODS(suffix)                                                       \
     &IVeskDeviceManager::openSerialPort##suffix, &IVeskDeviceManager::closeSerialPort##suffix, \
-        &IVeskDeviceManager::readBlockingSerialPort##suffix,                                   \
-        &IVeskDeviceManager::readNonBlockingSerialPort##suffix,                                \
-        &IVeskDeviceManager::writeSerialPort##suffix
+            &IVeskDeviceManager::readBlockingSerialPort##suffix,                               \
+            &IVeskDeviceManager::readNonBlockingSerialPort##suffix,                            \
+            &IVeskDeviceManager::writeSerialPort##suffix
 
 // Line numbers: open, close, blocking read / its negative count, non-blocking read / its count
 // line / its negative count, write.
 inline const SerialChannelCase kSerialChannels[] = {
-    {"485", "bi_serial_485_", 226, 234, 242, 256, 264, 0, 277, 285, NonBlockingLines::kCommon,
-     VESK_SERIAL_TEST_METHODS(485)},
-    {"485_2", "bi_serial_485_2_", 291, 299, 307, 321, 329, 0, 342, 350, NonBlockingLines::kCommon,
-     VESK_SERIAL_TEST_METHODS(485_2)},
-    {"232", "bi_serial_232_", 355, 363, 371, 385, 393, 0, 406, 414, NonBlockingLines::kCommon,
-     VESK_SERIAL_TEST_METHODS(232)},
-    {"Lora", "bi_serial_lora_", 419, 427, 435, 449, 457, 0, 470, 479, NonBlockingLines::kCommon,
-     VESK_SERIAL_TEST_METHODS(Lora)},
-    {"HDMI", "bi_serial_hdmi_", 484, 492, 500, 514, 522, 0, 535, 543, NonBlockingLines::kCommon,
-     VESK_SERIAL_TEST_METHODS(HDMI)},
-    {"TTL", "bi_serial_ttl_", 548, 556, 564, 578, 586, 594, 599, 607, NonBlockingLines::kCountLine,
-     VESK_SERIAL_TEST_METHODS(TTL)},
-    {"TTL_2", "bi_serial_ttl_2_", 611, 619, 627, 641, 649, 658, 663, 671,
-     NonBlockingLines::kSizeLine, VESK_SERIAL_TEST_METHODS(TTL_2)},
+        {"485", "bi_serial_485_", 226, 234, 242, 256, 264, 0, 277, 285, NonBlockingLines::kCommon,
+         VESK_SERIAL_TEST_METHODS(485)},
+        {"485_2", "bi_serial_485_2_", 291, 299, 307, 321, 329, 0, 342, 350,
+         NonBlockingLines::kCommon, VESK_SERIAL_TEST_METHODS(485_2)},
+        {"232", "bi_serial_232_", 355, 363, 371, 385, 393, 0, 406, 414, NonBlockingLines::kCommon,
+         VESK_SERIAL_TEST_METHODS(232)},
+        {"Lora", "bi_serial_lora_", 419, 427, 435, 449, 457, 0, 470, 479, NonBlockingLines::kCommon,
+         VESK_SERIAL_TEST_METHODS(Lora)},
+        {"HDMI", "bi_serial_hdmi_", 484, 492, 500, 514, 522, 0, 535, 543, NonBlockingLines::kCommon,
+         VESK_SERIAL_TEST_METHODS(HDMI)},
+        {"TTL", "bi_serial_ttl_", 548, 556, 564, 578, 586, 594, 599, 607,
+         NonBlockingLines::kCountLine, VESK_SERIAL_TEST_METHODS(TTL)},
+        {"TTL_2", "bi_serial_ttl_2_", 611, 619, 627, 641, 649, 658, 663, 671,
+         NonBlockingLines::kSizeLine, VESK_SERIAL_TEST_METHODS(TTL_2)},
 };
 
 #undef VESK_SERIAL_TEST_METHODS

@@ -13,8 +13,8 @@ TEST_F(SerialLinesTest, OpenLineCarriesTwoFullWidthColonsAsUtf8) {
     setLevel("D");
     EXPECT_EQ(0, int32_t(service->openSerialPort485(115200, 8, 1, -1)));
     const std::string expected =
-        "openSerialPort485 226 baudrate :115200 databits:8 \xEF\xBC\x9A"
-        "stopbits:1  parity\xEF\xBC\x9A-1\n";
+            "openSerialPort485 226 baudrate :115200 databits:8 \xEF\xBC\x9A"
+            "stopbits:1  parity\xEF\xBC\x9A-1\n";
     ASSERT_EQ(2u, capturedLog().size());
     EXPECT_EQ(debugLine(expected), capturedLog()[0]);
     EXPECT_EQ(debugLine("openSerialPort485: ret = 0\n"), capturedLog()[1]);
@@ -32,20 +32,21 @@ TEST_F(SerialLinesTest, SecondRs485ChannelWritesItsOwnNumbers) {
     service->writeSerialPort485_2({1});
     service->readBlockingSerialPort485_2(2, 30, [](const hidl_vec<uint8_t>&, uint32_t) {});
     service->readNonBlockingSerialPort485_2(2, [](const hidl_vec<uint8_t>&, uint32_t) {});
-    EXPECT_EQ((LogLines{
-                  debugLine("openSerialPort485_2 291 baudrate :19200 databits:8 ：stopbits:1  "
-                            "parity：0\n"),
-                  debugLine("openSerialPort485_2: ret = 0\n"),
-                  debugLine("closeSerialPort485_2 299\n"),
-                  debugLine("closeSerialPort485_2: ret = 0\n"),
-                  debugLine("writeSerialPort485_2 350 data.size = 1\n"),
-                  debugLine("readBlockingSerialPort485_2 line:307 data_size:2 timeout_ms:30\n"),
-                  debugLine("readBlockingSerialPort485_2 bytes_read = 4294967295\n"),
-                  debugLine("bytes_read < 0 readBlockingSerialPort485_2 321 bytes_read:-1\n"),
-                  debugLine("readNonBlockingSerialPort485_2 329 data_size:2 timeout_ms:0\n"),
-                  debugLine("bytes_read < 0 readNonBlockingSerialPort485_2 342 bytes_read:-1\n"),
-              }),
-              capturedLog());
+    EXPECT_EQ(
+            (LogLines{
+                    debugLine("openSerialPort485_2 291 baudrate :19200 databits:8 ：stopbits:1  "
+                              "parity：0\n"),
+                    debugLine("openSerialPort485_2: ret = 0\n"),
+                    debugLine("closeSerialPort485_2 299\n"),
+                    debugLine("closeSerialPort485_2: ret = 0\n"),
+                    debugLine("writeSerialPort485_2 350 data.size = 1\n"),
+                    debugLine("readBlockingSerialPort485_2 line:307 data_size:2 timeout_ms:30\n"),
+                    debugLine("readBlockingSerialPort485_2 bytes_read = 4294967295\n"),
+                    debugLine("bytes_read < 0 readBlockingSerialPort485_2 321 bytes_read:-1\n"),
+                    debugLine("readNonBlockingSerialPort485_2 329 data_size:2 timeout_ms:0\n"),
+                    debugLine("bytes_read < 0 readNonBlockingSerialPort485_2 342 bytes_read:-1\n"),
+            }),
+            capturedLog());
     std::vector<std::string> functions;
     for (const auto& call : calls()) functions.push_back(call["function"]);
     EXPECT_EQ((std::vector<std::string>{"bi_serial_485_2_open", "bi_serial_485_2_close",
@@ -72,9 +73,10 @@ TEST_F(SerialLinesTest, TtlReadOfExactlyTheSizeWritesItsCountLine) {
     EXPECT_EQ((std::vector<uint8_t>{1, 2, 3, 4}), result.data);
     EXPECT_EQ(4u, result.count);
     EXPECT_EQ(
-        (LogLines{debugLine("readNonBlockingSerialPortTTL 586 data_size:4 timeout_ms:0\n"),
-                  debugLine("bytes_read >= 0 readNonBlockingSerialPortTTL 594 bytes_read:4 \n")}),
-        capturedLog());
+            (LogLines{
+                    debugLine("readNonBlockingSerialPortTTL 586 data_size:4 timeout_ms:0\n"),
+                    debugLine("bytes_read >= 0 readNonBlockingSerialPortTTL 594 bytes_read:4 \n")}),
+            capturedLog());
 }
 
 TEST_F(SerialLinesTest, TtlShortReadWritesItsCountLine) {
@@ -84,9 +86,10 @@ TEST_F(SerialLinesTest, TtlShortReadWritesItsCountLine) {
     service->readNonBlockingSerialPortTTL(9, result.callback());
     EXPECT_EQ((std::vector<uint8_t>{1, 2}), result.data);
     EXPECT_EQ(
-        (LogLines{debugLine("readNonBlockingSerialPortTTL 586 data_size:9 timeout_ms:0\n"),
-                  debugLine("bytes_read >= 0 readNonBlockingSerialPortTTL 594 bytes_read:2 \n")}),
-        capturedLog());
+            (LogLines{
+                    debugLine("readNonBlockingSerialPortTTL 586 data_size:9 timeout_ms:0\n"),
+                    debugLine("bytes_read >= 0 readNonBlockingSerialPortTTL 594 bytes_read:2 \n")}),
+            capturedLog());
 }
 
 TEST_F(SerialLinesTest, TtlNegativeReadNamesTheCount) {
@@ -97,9 +100,10 @@ TEST_F(SerialLinesTest, TtlNegativeReadNamesTheCount) {
     EXPECT_TRUE(result.data.empty());
     EXPECT_EQ(4294967285u, result.count);
     EXPECT_EQ(
-        (LogLines{debugLine("readNonBlockingSerialPortTTL 586 data_size:9 timeout_ms:0\n"),
-                  debugLine("bytes_read < 0 readNonBlockingSerialPortTTL 599 bytes_read:-11\n")}),
-        capturedLog());
+            (LogLines{
+                    debugLine("readNonBlockingSerialPortTTL 586 data_size:9 timeout_ms:0\n"),
+                    debugLine("bytes_read < 0 readNonBlockingSerialPortTTL 599 bytes_read:-11\n")}),
+            capturedLog());
 }
 
 TEST_F(SerialLinesTest, TtlReadAboveTheSizeWritesNoCountLine) {
@@ -170,12 +174,12 @@ TEST_F(SerialLinesTest, TtlBlockingReadIsTheCommonOne) {
     EXPECT_EQ(std::vector<uint8_t>{0x41}, first.data);
     EXPECT_TRUE(second.data.empty());
     EXPECT_EQ(
-        (LogLines{debugLine("readBlockingSerialPortTTL line:564 data_size:2 timeout_ms:10\n"),
-                  debugLine("readBlockingSerialPortTTL bytes_read = 1\n"),
-                  debugLine("readBlockingSerialPortTTL_2 line:627 data_size:2 timeout_ms:10\n"),
-                  debugLine("readBlockingSerialPortTTL_2 bytes_read = 4294967293\n"),
-                  debugLine("bytes_read < 0 readBlockingSerialPortTTL_2 641 bytes_read:-3\n")}),
-        capturedLog());
+            (LogLines{debugLine("readBlockingSerialPortTTL line:564 data_size:2 timeout_ms:10\n"),
+                      debugLine("readBlockingSerialPortTTL bytes_read = 1\n"),
+                      debugLine("readBlockingSerialPortTTL_2 line:627 data_size:2 timeout_ms:10\n"),
+                      debugLine("readBlockingSerialPortTTL_2 bytes_read = 4294967293\n"),
+                      debugLine("bytes_read < 0 readBlockingSerialPortTTL_2 641 bytes_read:-3\n")}),
+            capturedLog());
 }
 
 TEST_F(SerialLinesTest, ALevelOfLowerCaseDWritesNoSerialLine) {

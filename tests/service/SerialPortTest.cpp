@@ -87,8 +87,8 @@ TEST_P(SerialPortTest, CloseLogsTheTraceAndTheResult) {
     script({{fn("close"), {{"return", -1}}}});
     const std::string name = method("closeSerialPort");
     expectLinesAtEachLevel(
-        [&] { EXPECT_EQ(-1, close()); },
-        {debugLine(name + " " + n(channel().close) + "\n"), debugLine(name + ": ret = -1\n")});
+            [&] { EXPECT_EQ(-1, close()); },
+            {debugLine(name + " " + n(channel().close) + "\n"), debugLine(name + ": ret = -1\n")});
     auto board = callsOf(fn("close"));
     ASSERT_EQ(3u, board.size());
     EXPECT_EQ(json::array(), board[0]["args"]);
@@ -98,10 +98,10 @@ TEST_P(SerialPortTest, CloseLogsTheTraceAndTheResult) {
 TEST_P(SerialPortTest, WritePassesBytesAndCountAndReturnsTheBoardValueWithoutAResultLine) {
     script({{fn("write"), {{"return", 3}}}});
     expectLinesAtEachLevel(
-        [&] {
-            EXPECT_EQ(3, write({0x41, 0, 0xff}));
-        },
-        {debugLine(method("writeSerialPort") + " " + n(channel().write) + " data.size = 3\n")});
+            [&] {
+                EXPECT_EQ(3, write({0x41, 0, 0xff}));
+            },
+            {debugLine(method("writeSerialPort") + " " + n(channel().write) + " data.size = 3\n")});
     auto board = callsOf(fn("write"));
     ASSERT_EQ(3u, board.size());
     EXPECT_EQ(json::array({json::array({0x41, 0, 0xff}), 3}), board[0]["args"]);
@@ -123,14 +123,14 @@ TEST_P(SerialPortTest, WriteOfAnEmptyVectorPassesCountZeroAndReturnsTheBoardValu
 TEST_P(SerialPortTest, BlockingReadOfExactlyTheSizeKeepsTheSize) {
     script({{fn("blocking_read"), {{"return", 4}, {"out", "31323334"}}}});
     expectLinesAtEachLevel(
-        [&] {
-            SerialReadResult result;
-            readBlocking(4, 100, result);
-            EXPECT_EQ(1, result.calls);
-            EXPECT_EQ((std::vector<uint8_t>{'1', '2', '3', '4'}), result.data);
-            EXPECT_EQ(4u, result.count);
-        },
-        blockingStart(4, 100, 4));
+            [&] {
+                SerialReadResult result;
+                readBlocking(4, 100, result);
+                EXPECT_EQ(1, result.calls);
+                EXPECT_EQ((std::vector<uint8_t>{'1', '2', '3', '4'}), result.data);
+                EXPECT_EQ(4u, result.count);
+            },
+            blockingStart(4, 100, 4));
     auto board = callsOf(fn("blocking_read"));
     ASSERT_EQ(3u, board.size());
     EXPECT_EQ(json::array({nullptr, 4, 100}), board[0]["args"]);
@@ -140,13 +140,13 @@ TEST_P(SerialPortTest, BlockingReadOfExactlyTheSizeKeepsTheSize) {
 TEST_P(SerialPortTest, BlockingReadOfFewerBytesShrinksToThem) {
     script({{fn("blocking_read"), {{"return", 2}, {"out", "0a0b0c"}}}});
     expectLinesAtEachLevel(
-        [&] {
-            SerialReadResult result;
-            readBlocking(5, 0, result);
-            EXPECT_EQ((std::vector<uint8_t>{0x0a, 0x0b}), result.data);
-            EXPECT_EQ(2u, result.count);
-        },
-        blockingStart(5, 0, 2));
+            [&] {
+                SerialReadResult result;
+                readBlocking(5, 0, result);
+                EXPECT_EQ((std::vector<uint8_t>{0x0a, 0x0b}), result.data);
+                EXPECT_EQ(2u, result.count);
+            },
+            blockingStart(5, 0, 2));
 }
 
 TEST_P(SerialPortTest, BlockingReadOfSizeZeroGivesAnEmptyVector) {
@@ -168,13 +168,13 @@ TEST_P(SerialPortTest, BlockingReadOfSizeZeroGivesAnEmptyVector) {
 TEST_P(SerialPortTest, BlockingReadOfMoreBytesThanTheSizeKeepsTheSizeAndReportsTheCount) {
     script({{fn("blocking_read"), {{"return", 10}, {"out", "616263"}}}});
     expectLinesAtEachLevel(
-        [&] {
-            SerialReadResult result;
-            readBlocking(3, 50, result);
-            EXPECT_EQ((std::vector<uint8_t>{'a', 'b', 'c'}), result.data);
-            EXPECT_EQ(10u, result.count);
-        },
-        blockingStart(3, 50, 10));
+            [&] {
+                SerialReadResult result;
+                readBlocking(3, 50, result);
+                EXPECT_EQ((std::vector<uint8_t>{'a', 'b', 'c'}), result.data);
+                EXPECT_EQ(10u, result.count);
+            },
+            blockingStart(3, 50, 10));
 }
 
 TEST_P(SerialPortTest, BlockingReadOfMinusOneGivesAnEmptyVectorAndTheCountUnsigned) {
@@ -183,14 +183,14 @@ TEST_P(SerialPortTest, BlockingReadOfMinusOneGivesAnEmptyVectorAndTheCountUnsign
     lines.push_back(debugLine("bytes_read < 0 " + method("readBlockingSerialPort") + " " +
                               n(channel().blockingNegative) + " bytes_read:-1\n"));
     expectLinesAtEachLevel(
-        [&] {
-            SerialReadResult result;
-            readBlocking(3, 20, result);
-            EXPECT_EQ(1, result.calls);
-            EXPECT_TRUE(result.data.empty());
-            EXPECT_EQ(4294967295u, result.count);
-        },
-        lines);
+            [&] {
+                SerialReadResult result;
+                readBlocking(3, 20, result);
+                EXPECT_EQ(1, result.calls);
+                EXPECT_TRUE(result.data.empty());
+                EXPECT_EQ(4294967295u, result.count);
+            },
+            lines);
 }
 
 TEST_P(SerialPortTest, NonBlockingReadOfExactlyTheSizeKeepsTheSize) {
@@ -198,14 +198,14 @@ TEST_P(SerialPortTest, NonBlockingReadOfExactlyTheSizeKeepsTheSize) {
     LogLines lines = nonBlockingStart(3);
     if (channel().lines == NonBlockingLines::kCountLine) lines.push_back(ttlCountLine(3));
     expectLinesAtEachLevel(
-        [&] {
-            SerialReadResult result;
-            readNonBlocking(3, result);
-            EXPECT_EQ(1, result.calls);
-            EXPECT_EQ((std::vector<uint8_t>{'x', 'y', 'z'}), result.data);
-            EXPECT_EQ(3u, result.count);
-        },
-        lines);
+            [&] {
+                SerialReadResult result;
+                readNonBlocking(3, result);
+                EXPECT_EQ(1, result.calls);
+                EXPECT_EQ((std::vector<uint8_t>{'x', 'y', 'z'}), result.data);
+                EXPECT_EQ(3u, result.count);
+            },
+            lines);
     auto board = callsOf(fn("nonblocking_read"));
     ASSERT_EQ(3u, board.size());
     EXPECT_EQ(json::array({nullptr, 3}), board[0]["args"]);
@@ -220,13 +220,13 @@ TEST_P(SerialPortTest, NonBlockingReadOfFewerBytesShrinksToThem) {
         lines.push_back(ttl2SizeLine("bytes_read >= 0 ", channel().nonBlockingCount, 4));
     }
     expectLinesAtEachLevel(
-        [&] {
-            SerialReadResult result;
-            readNonBlocking(4, result);
-            EXPECT_EQ(std::vector<uint8_t>{0xfe}, result.data);
-            EXPECT_EQ(1u, result.count);
-        },
-        lines);
+            [&] {
+                SerialReadResult result;
+                readNonBlocking(4, result);
+                EXPECT_EQ(std::vector<uint8_t>{0xfe}, result.data);
+                EXPECT_EQ(1u, result.count);
+            },
+            lines);
 }
 
 TEST_P(SerialPortTest, NonBlockingReadOfSizeZeroGivesAnEmptyVector) {
@@ -234,27 +234,27 @@ TEST_P(SerialPortTest, NonBlockingReadOfSizeZeroGivesAnEmptyVector) {
     LogLines lines = nonBlockingStart(0);
     if (channel().lines == NonBlockingLines::kCountLine) lines.push_back(ttlCountLine(0));
     expectLinesAtEachLevel(
-        [&] {
-            SerialReadResult result;
-            readNonBlocking(0, result);
-            EXPECT_EQ(1, result.calls);
-            EXPECT_TRUE(result.data.empty());
-            EXPECT_EQ(0u, result.count);
-        },
-        lines);
+            [&] {
+                SerialReadResult result;
+                readNonBlocking(0, result);
+                EXPECT_EQ(1, result.calls);
+                EXPECT_TRUE(result.data.empty());
+                EXPECT_EQ(0u, result.count);
+            },
+            lines);
     EXPECT_EQ(json::array({nullptr, 0}), callsOf(fn("nonblocking_read"))[0]["args"]);
 }
 
 TEST_P(SerialPortTest, NonBlockingReadOfMoreBytesThanTheSizeKeepsTheSizeAndReportsTheCount) {
     script({{fn("nonblocking_read"), {{"return", 7}, {"out", "0102"}}}});
     expectLinesAtEachLevel(
-        [&] {
-            SerialReadResult result;
-            readNonBlocking(2, result);
-            EXPECT_EQ((std::vector<uint8_t>{1, 2}), result.data);
-            EXPECT_EQ(7u, result.count);
-        },
-        nonBlockingStart(2));
+            [&] {
+                SerialReadResult result;
+                readNonBlocking(2, result);
+                EXPECT_EQ((std::vector<uint8_t>{1, 2}), result.data);
+                EXPECT_EQ(7u, result.count);
+            },
+            nonBlockingStart(2));
 }
 
 TEST_P(SerialPortTest, NonBlockingReadOfMinusOneGivesAnEmptyVectorAndTheCountUnsigned) {
@@ -267,14 +267,14 @@ TEST_P(SerialPortTest, NonBlockingReadOfMinusOneGivesAnEmptyVectorAndTheCountUns
                                   n(channel().nonBlockingNegative) + " bytes_read:-1\n"));
     }
     expectLinesAtEachLevel(
-        [&] {
-            SerialReadResult result;
-            readNonBlocking(6, result);
-            EXPECT_EQ(1, result.calls);
-            EXPECT_TRUE(result.data.empty());
-            EXPECT_EQ(4294967295u, result.count);
-        },
-        lines);
+            [&] {
+                SerialReadResult result;
+                readNonBlocking(6, result);
+                EXPECT_EQ(1, result.calls);
+                EXPECT_TRUE(result.data.empty());
+                EXPECT_EQ(4294967295u, result.count);
+            },
+            lines);
 }
 
 INSTANTIATE_TEST_SUITE_P(AllChannels, SerialPortTest, ::testing::ValuesIn(kSerialChannels),

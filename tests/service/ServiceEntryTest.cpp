@@ -80,14 +80,14 @@ TEST_F(ServiceEntryTest, LevelSetByAnotherProcessTakesEffectOnTheNextCall) {
     service->setSysLedState(1);
     EXPECT_TRUE(capturedLogWithTag(kServiceTag).empty());
     int status = -1;
-    runCommand("VESK_ROOT='" + root.path() + "' " VESK_BINARY_DIR "/bin/veskdm prop set " +
-                       kLevel + " D",
+    runCommand("VESK_ROOT='" + root.path() + "' " VESK_BINARY_DIR "/bin/veskdm prop set " + kLevel +
+                       " D",
                &status);
     ASSERT_EQ(0, status);
     service->setSysLedState(1);
     EXPECT_EQ(LogLines{debugLine("setSysLedState 48\n")}, capturedLogWithTag(kServiceTag));
-    runCommand("VESK_ROOT='" + root.path() + "' " VESK_BINARY_DIR "/bin/veskdm prop set " +
-                       kLevel + " E",
+    runCommand("VESK_ROOT='" + root.path() + "' " VESK_BINARY_DIR "/bin/veskdm prop set " + kLevel +
+                       " E",
                &status);
     vesk::host::clearCapturedLog();
     service->setSysLedState(1);

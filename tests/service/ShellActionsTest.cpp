@@ -35,8 +35,9 @@ TEST_F(ShellActionsTest, PictureQualityRunsItsCommandThenTheBoard) {
     script({{"bi_set_pq_state", json::array({{{"return", 0}}, {{"return", -2}}})}});
     EXPECT_EQ(0, int32_t(service->setPQEnable(1)));
     EXPECT_EQ(-2, int32_t(service->setPQEnable(0)));
-    EXPECT_EQ((std::vector<std::string>{"test-systemcontrol --p 1 1", "test-systemcontrol --p 0 1"}),
-              commands);
+    EXPECT_EQ(
+            (std::vector<std::string>{"test-systemcontrol --p 1 1", "test-systemcontrol --p 0 1"}),
+            commands);
     auto board = callsOf("bi_set_pq_state");
     ASSERT_EQ(2u, board.size());
     EXPECT_EQ(json::array({1}), board[0]["args"]);
@@ -55,10 +56,10 @@ TEST_F(ShellActionsTest, HdrCommandsSelect2160p60AndAnswerTheirStatus) {
     setLevel("D");
     EXPECT_EQ(0, int32_t(service->setHDREnable(0)));
     EXPECT_EQ(0, int32_t(service->setHDREnable(1)));
-    EXPECT_EQ((std::vector<std::string>{
-                      "/system/bin/test-systemcontrol -d sdr rgb,8bit 2160p60hz",
-                      "/system/bin/test-systemcontrol -d hdr 422,10bit 2160p60hz"}),
-              commands);
+    EXPECT_EQ(
+            (std::vector<std::string>{"/system/bin/test-systemcontrol -d sdr rgb,8bit 2160p60hz",
+                                      "/system/bin/test-systemcontrol -d hdr 422,10bit 2160p60hz"}),
+            commands);
     EXPECT_EQ(LogLines(2, debugLine("setHDREnable 1646\n")), capturedLogWithTag(kServiceTag));
     EXPECT_TRUE(calls().empty());
 }

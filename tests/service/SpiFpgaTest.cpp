@@ -23,10 +23,10 @@ struct SpiResult {
 TEST_F(SpiFpgaTest, WritePassesBytesAndCountAndReturnsTheBoardValueWithoutALine) {
     script({{"bi_fpga_spi_write", {{"return", -71}}}});
     expectLinesAtEachLevel(
-        [&] {
-            EXPECT_EQ(-71, int32_t(service->writeSpiFpga({0x5a, 0, 0xa5})));
-        },
-        {});
+            [&] {
+                EXPECT_EQ(-71, int32_t(service->writeSpiFpga({0x5a, 0, 0xa5})));
+            },
+            {});
     auto board = callsOf("bi_fpga_spi_write");
     ASSERT_EQ(3u, board.size());
     EXPECT_EQ(json::array({json::array({0x5a, 0, 0xa5}), 3}), board[0]["args"]);
@@ -36,14 +36,14 @@ TEST_F(SpiFpgaTest, WritePassesBytesAndCountAndReturnsTheBoardValueWithoutALine)
 TEST_F(SpiFpgaTest, WriteReadSendsTheInputAndHandsBackTheReceivedBytes) {
     script({{"bi_fpga_spi_write_read", {{"return", 3}, {"out", "a0b0c0"}}}});
     expectLinesAtEachLevel(
-        [&] {
-            SpiResult result;
-            service->wReadSpiFpga({1, 2, 3}, result.callback());
-            EXPECT_EQ(1, result.calls);
-            EXPECT_EQ(3, result.ret);
-            EXPECT_EQ((std::vector<uint8_t>{0xa0, 0xb0, 0xc0}), result.data);
-        },
-        {});
+            [&] {
+                SpiResult result;
+                service->wReadSpiFpga({1, 2, 3}, result.callback());
+                EXPECT_EQ(1, result.calls);
+                EXPECT_EQ(3, result.ret);
+                EXPECT_EQ((std::vector<uint8_t>{0xa0, 0xb0, 0xc0}), result.data);
+            },
+            {});
     auto board = callsOf("bi_fpga_spi_write_read");
     ASSERT_EQ(3u, board.size());
     EXPECT_EQ(json::array({json::array({1, 2, 3}), 3}), board[0]["args"]);
@@ -90,27 +90,27 @@ TEST_F(SpiFpgaTest, WriteReadWithAnEmptyInputIsAZeroLengthExchange) {
 TEST_F(SpiFpgaTest, WriteReadFailureHandsBackTheWholeBufferAsTheBoardLeftIt) {
     script({{"bi_fpga_spi_write_read", {{"return", -5}, {"out", "aabb"}}}});
     expectLinesAtEachLevel(
-        [&] {
-            SpiResult result;
-            service->wReadSpiFpga({1, 2, 3, 4}, result.callback());
-            EXPECT_EQ(1, result.calls);
-            EXPECT_EQ(-5, result.ret);
-            EXPECT_EQ((std::vector<uint8_t>{0xaa, 0xbb, 3, 4}), result.data);
-        },
-        {});
+            [&] {
+                SpiResult result;
+                service->wReadSpiFpga({1, 2, 3, 4}, result.callback());
+                EXPECT_EQ(1, result.calls);
+                EXPECT_EQ(-5, result.ret);
+                EXPECT_EQ((std::vector<uint8_t>{0xaa, 0xbb, 3, 4}), result.data);
+            },
+            {});
 }
 
 TEST_F(SpiFpgaTest, ReadPassesTheSizeAndKeepsItForAFullCount) {
     script({{"bi_fpga_spi_read", {{"return", 3}, {"out", "102030"}}}});
     expectLinesAtEachLevel(
-        [&] {
-            SpiResult result;
-            service->readSpiFpga(3, result.callback());
-            EXPECT_EQ(1, result.calls);
-            EXPECT_EQ(3, result.ret);
-            EXPECT_EQ((std::vector<uint8_t>{0x10, 0x20, 0x30}), result.data);
-        },
-        {});
+            [&] {
+                SpiResult result;
+                service->readSpiFpga(3, result.callback());
+                EXPECT_EQ(1, result.calls);
+                EXPECT_EQ(3, result.ret);
+                EXPECT_EQ((std::vector<uint8_t>{0x10, 0x20, 0x30}), result.data);
+            },
+            {});
     auto board = callsOf("bi_fpga_spi_read");
     ASSERT_EQ(3u, board.size());
     EXPECT_EQ(json::array({nullptr, 3}), board[0]["args"]);
@@ -156,11 +156,11 @@ using SpiFpgaDeathTest = SpiFpgaTest;
 
 TEST_F(SpiFpgaDeathTest, ReadOfSizeMinusOneEndsTheProcess) {
     EXPECT_DEATH(
-        {
-            vesk::host::logToStderr();  // the fatal line goes where the death test sees it
-            service->readSpiFpga(-1, [](int32_t, const hidl_vec<uint8_t>&) {});
-        },
-        "hidl_vec can't hold more than 2\\^32 elements\\.");
+            {
+                vesk::host::logToStderr();  // the fatal line goes where the death test sees it
+                service->readSpiFpga(-1, [](int32_t, const hidl_vec<uint8_t>&) {});
+            },
+            "hidl_vec can't hold more than 2\\^32 elements\\.");
 }
 
 }  // namespace

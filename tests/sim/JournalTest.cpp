@@ -55,8 +55,8 @@ TEST(JournalTest, FloatArgumentIsTheDoubleItConvertsTo) {
     vesk::sim::startJournal();
     bi_resolution_get_edid_by_model(640, 480, edid, 59.94f);
     EXPECT_EQ(
-        R"({"function":"bi_resolution_get_edid_by_model","args":[640,480,null,59.939998626708984],"return":0})",
-        onlyCall());
+            R"({"function":"bi_resolution_get_edid_by_model","args":[640,480,null,59.939998626708984],"return":0})",
+            onlyCall());
 }
 
 TEST(JournalTest, FloatResult) {
@@ -181,13 +181,13 @@ TEST(JournalTest, FileFromEnvironmentHasExactLines) {
     std::vector<std::string> lines = readLines(path);
     unlink(path.c_str());
     std::vector<std::string> expected = {
-        "earlier",
-        R"({"function":"bi_relay_set_state","args":[1],"return":0})",
-        R"({"function":"bi_watchdog_feed","args":[null],"return":-1})",
-        R"({"function":"bi_resolution_get_edid_by_model","args":[640,480,null,59.939998626708984],"return":0})",
-        R"({"function":"bi_adc_get_board_voltage","args":[],"return":12.149999618530273})",
-        R"({"function":"bi_serial_ttl_write","args":[[1,2],2],"return":-1})",
-        R"({"function":"bi_i2c_set_audio_enable","args":[200,1],"return":-1})",
+            "earlier",
+            R"({"function":"bi_relay_set_state","args":[1],"return":0})",
+            R"({"function":"bi_watchdog_feed","args":[null],"return":-1})",
+            R"({"function":"bi_resolution_get_edid_by_model","args":[640,480,null,59.939998626708984],"return":0})",
+            R"({"function":"bi_adc_get_board_voltage","args":[],"return":12.149999618530273})",
+            R"({"function":"bi_serial_ttl_write","args":[[1,2],2],"return":-1})",
+            R"({"function":"bi_i2c_set_audio_enable","args":[200,1],"return":-1})",
     };
     EXPECT_EQ(expected, lines);
 }
@@ -200,8 +200,8 @@ TEST(JournalTest, FileAndMemoryTogether) {
     std::vector<std::string> lines = readLines(path);
     unlink(path.c_str());
     EXPECT_EQ(
-        std::vector<std::string>{R"({"function":"bi_netled_set_state","args":[2],"return":0})"},
-        lines);
+            std::vector<std::string>{R"({"function":"bi_netled_set_state","args":[2],"return":0})"},
+            lines);
     EXPECT_EQ(R"({"function":"bi_netled_set_state","args":[2],"return":0})", onlyCall());
 }
 
@@ -212,8 +212,8 @@ TEST(JournalTest, SetJournalFile) {
     std::vector<std::string> lines = readLines(path);
     unlink(path.c_str());
     EXPECT_EQ(
-        std::vector<std::string>{R"({"function":"bi_cloudled_get_state","args":[],"return":0})"},
-        lines);
+            std::vector<std::string>{R"({"function":"bi_cloudled_get_state","args":[],"return":0})"},
+            lines);
 }
 
 // A path is any bytes; the journal line stays valid JSON, with U+FFFD for the bytes that are not

@@ -180,8 +180,7 @@ TEST(ScriptTest, ProcessNamesOutliveTheScript) {
 }
 
 TEST(ScriptTest, FloatReturn) {
-    script(
-        R"({"bi_adc_get_board_voltage":{"return":3.3},"bi_adc_get_board_temperature":[{"return":-4}]})");
+    script(R"({"bi_adc_get_board_voltage":{"return":3.3},"bi_adc_get_board_temperature":[{"return":-4}]})");
     vesk::sim::startJournal();
     EXPECT_EQ(3.3f, bi_adc_get_board_voltage());
     EXPECT_EQ(-4.0f, bi_adc_get_board_temperature());
@@ -237,9 +236,8 @@ TEST(ScriptTest, OutForAFunctionWithoutBufferIsRefused) {
 
 TEST(ScriptTest, OutLongerThanAFixedRecordIsRefused) {
     EXPECT_EQ(
-        "bi_resolution_get_parameters[0].out has 17 bytes, more than the buffer's 16",
-        refusal(
-            R"({"bi_resolution_get_parameters":[{"out":"0000000000000000000000000000000000"}]})"));
+            "bi_resolution_get_parameters[0].out has 17 bytes, more than the buffer's 16",
+            refusal(R"({"bi_resolution_get_parameters":[{"out":"0000000000000000000000000000000000"}]})"));
 }
 
 TEST(ScriptTest, UnknownEntryMemberIsRefused) {
@@ -253,9 +251,8 @@ TEST(ScriptTest, BadProcessRecordIsRefused) {
     EXPECT_EQ("bi_get_process_info_by_name.out.name1 must be a string",
               refusal(R"({"bi_get_process_info_by_name":{"out":{"name1":1}}})"));
     EXPECT_EQ(
-        "bi_get_process_info_by_name.out.block is over 16 bytes",
-        refusal(
-            R"({"bi_get_process_info_by_name":{"out":{"block":"0000000000000000000000000000000000"}}})"));
+            "bi_get_process_info_by_name.out.block is over 16 bytes",
+            refusal(R"({"bi_get_process_info_by_name":{"out":{"block":"0000000000000000000000000000000000"}}})"));
     EXPECT_EQ("bi_get_process_info_by_name.out.value32 is out of range",
               refusal(R"({"bi_get_process_info_by_name":{"out":{"value32":4294967296}}})"));
     EXPECT_EQ("bi_get_process_info_by_name.out.value64 must be a non-negative integer",

@@ -14,10 +14,10 @@ namespace {
 
 using CvtEdgeCaseTest = RootTest;
 
-const vesk::host::LogLine kCellWarning = {
-    ANDROID_LOG_WARN, kTimingTag,
-    "WARNING! Aspect Ratio Not CVT Standar!Horizontal Pixel Not Divisible by 8, Count Rounded to "
-    "Nearest Character Cell\n"};
+const vesk::host::LogLine kCellWarning = {ANDROID_LOG_WARN, kTimingTag,
+                                          "WARNING! Aspect Ratio Not CVT Standar!Horizontal Pixel "
+                                          "Not Divisible by 8, Count Rounded to "
+                                          "Nearest Character Cell\n"};
 
 // 1080 lines: round(1080 * 16 / 9) = 1920 is the width, so "16:9" and a 5-line sync.
 // P = (1e6 / 60 - 460) / 1080 = 15.006 us; floor(460 / P) + 1 = 31 > 5 + 3 + 6, so 31 blank

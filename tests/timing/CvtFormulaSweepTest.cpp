@@ -170,7 +170,7 @@ TEST(CvtRecordReuseTest, RecordFollowsTheLastCalculationOnOneCalculator) {
     calculator.calculateCvt(1920, 1200, 60, 8, 3.0, "cvt_rb", false, false, false);
     const timing_t t = calculator.getCvtTiming();
     EXPECT_EQ(t.pix_clock, 154.0);
-    EXPECT_EQ(t.h_freq, std::round(154e6 / 2080) / 1000);                  // 74.038 kHz
+    EXPECT_EQ(t.h_freq, std::round(154e6 / 2080) / 1000);                    // 74.038 kHz
     EXPECT_EQ(t.v_freq, std::round(154e6 / (2080.0 * 1235) * 1000) / 1000);  // 59.95 Hz
 }
 

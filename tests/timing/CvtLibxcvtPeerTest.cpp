@@ -37,7 +37,7 @@ struct Peer {
 
 Peer libxcvt(uint32_t width, uint32_t height, uint32_t rate, bool reduced) {
     std::unique_ptr<libxcvt_mode_info, decltype(&free)> m(
-        libxcvt_gen_mode_info(width, height, rate, reduced, false), free);
+            libxcvt_gen_mode_info(width, height, rate, reduced, false), free);
     return {m->hdisplay,           m->hsync_start, m->hsync_end, m->htotal,
             m->vdisplay,           m->vsync_start, m->vsync_end, m->vtotal,
             m->dot_clock / 1000.0, m->mode_flags};

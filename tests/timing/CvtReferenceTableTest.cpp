@@ -148,7 +148,7 @@ TEST(CvtReferenceTableCoverage, TableCoversVariantsOptionsAndAspectRatios) {
 TEST(CvtReferenceTableCoverage, CommittedTableIsTheGeneratorsOutput) {
     int status = -1;
     std::string generated =
-        runCommand("python3 '" VESK_SOURCE_DIR "/tests/timing/cvt_reference.py'", &status);
+            runCommand("python3 '" VESK_SOURCE_DIR "/tests/timing/cvt_reference.py'", &status);
     ASSERT_EQ(0, status);
     EXPECT_EQ(readFile(kTablePath), generated);
 }

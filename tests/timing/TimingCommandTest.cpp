@@ -65,15 +65,15 @@ TEST_F(TimingCommandTest, JsonHasEveryFieldUnderItsOwnName) {
     EXPECT_EQ('\n', run.out.back());
     auto json = nlohmann::ordered_json::parse(run.out);
     nlohmann::ordered_json expected = {
-        {"name", "cvt_rb"},     {"pix_clock", 138.5}, {"h_total", 2080},
-        {"h_active", 1920},     {"h_blank", 160},     {"h_front_porch", 48},
-        {"h_sync", 32},         {"h_back_porch", 80}, {"h_sync_polarity", 1},
-        {"h_freq", 66.587},     {"h_period", 15.018}, {"v_total", 1111},
-        {"v_active", 1080},     {"v_blank", 31},      {"vblank_duration", 466},
-        {"v_front_porch", 3},   {"v_sync", 5},        {"v_back_porch", 23},
-        {"v_sync_polarity", 0}, {"v_freq", 59.934},   {"v_period", 16.685},
-        {"peak_bw", 3324},      {"line_bw", 3068},    {"active_bw", 2983},
-        {"aspect", ""}};
+            {"name", "cvt_rb"},     {"pix_clock", 138.5}, {"h_total", 2080},
+            {"h_active", 1920},     {"h_blank", 160},     {"h_front_porch", 48},
+            {"h_sync", 32},         {"h_back_porch", 80}, {"h_sync_polarity", 1},
+            {"h_freq", 66.587},     {"h_period", 15.018}, {"v_total", 1111},
+            {"v_active", 1080},     {"v_blank", 31},      {"vblank_duration", 466},
+            {"v_front_porch", 3},   {"v_sync", 5},        {"v_back_porch", 23},
+            {"v_sync_polarity", 0}, {"v_freq", 59.934},   {"v_period", 16.685},
+            {"peak_bw", 3324},      {"line_bw", 3068},    {"active_bw", 2983},
+            {"aspect", ""}};
     EXPECT_EQ(expected, json);  // ordered: the record's field order
 }
 
@@ -129,9 +129,9 @@ TEST_F(TimingCommandTest, ModelineForReducedBlanking) {
     ToolRun run = veskdm("timing 1920 1080 --format modeline");
     EXPECT_EQ(0, run.status);
     EXPECT_EQ(
-        "Modeline \"1920x1080_60\" 138.500 1920 1968 2000 2080 1080 1083 1088 1111 "
-        "+hsync -vsync\n",
-        run.out);
+            "Modeline \"1920x1080_60\" 138.500 1920 1968 2000 2080 1080 1083 1088 1111 "
+            "+hsync -vsync\n",
+            run.out);
 }
 
 // The same numbers as libxcvt's modeline for 1920 x 1080 at 60 (cvt 1920 1080).
@@ -139,18 +139,18 @@ TEST_F(TimingCommandTest, ModelineForStandardBlanking) {
     ToolRun run = veskdm("timing 1920 1080 60 --mode cvt --format modeline");
     EXPECT_EQ(0, run.status);
     EXPECT_EQ(
-        "Modeline \"1920x1080_60\" 173.000 1920 2048 2248 2576 1080 1083 1088 1120 "
-        "-hsync +vsync\n",
-        run.out);
+            "Modeline \"1920x1080_60\" 173.000 1920 2048 2248 2576 1080 1083 1088 1120 "
+            "-hsync +vsync\n",
+            run.out);
 }
 
 TEST_F(TimingCommandTest, ModelineForReducedBlanking2KeepsTheKilohertz) {
     ToolRun run = veskdm("timing 4096 2160 60 --mode cvt_rb2 --format modeline");
     EXPECT_EQ(0, run.status);
     EXPECT_EQ(
-        "Modeline \"4096x2160_60\" 556.744 4096 4104 4136 4176 2160 2208 2216 2222 "
-        "+hsync -vsync\n",
-        run.out);
+            "Modeline \"4096x2160_60\" 556.744 4096 4104 4136 4176 2160 2208 2216 2222 "
+            "+hsync -vsync\n",
+            run.out);
 }
 
 // Interlaced: a field of 540 lines, 3 front porch, 5 sync, 582.5 in all (truncated to 582 in
@@ -159,9 +159,9 @@ TEST_F(TimingCommandTest, InterlacedModelineCountsFrameLines) {
     ToolRun run = veskdm("timing 1920 1080 --mode cvt --interlaced --format modeline");
     EXPECT_EQ(0, run.status);
     EXPECT_EQ(
-        "Modeline \"1920x1080_60\" 179.750 1920 2048 2248 2576 1080 1086 1096 1165 "
-        "-hsync +vsync Interlace\n",
-        run.out);
+            "Modeline \"1920x1080_60\" 179.750 1920 2048 2248 2576 1080 1086 1096 1165 "
+            "-hsync +vsync Interlace\n",
+            run.out);
 }
 
 // Margins: 32 pixels and 19 lines on each side are part of the addressable area.
@@ -169,9 +169,9 @@ TEST_F(TimingCommandTest, ModelineWithMarginsShowsTheAddressableArea) {
     ToolRun run = veskdm("timing 1920 1080 --margins --format modeline");
     EXPECT_EQ(0, run.status);
     EXPECT_EQ(
-        "Modeline \"1920x1080_60\" 147.750 1984 2032 2064 2144 1118 1121 1126 1150 "
-        "+hsync -vsync\n",
-        run.out);
+            "Modeline \"1920x1080_60\" 147.750 1984 2032 2064 2144 1118 1121 1126 1150 "
+            "+hsync -vsync\n",
+            run.out);
 }
 
 TEST_F(TimingCommandTest, MaxRefreshPrintsTheSearchAnswer) {
@@ -214,9 +214,9 @@ TEST_F(TimingCommandTest, WidthOutsideWholeCellsWarnsAtLevelW) {
     EXPECT_EQ(5, lines[0]["priority"]);
     EXPECT_EQ(kTimingTag, lines[0]["tag"]);
     EXPECT_EQ(
-        "WARNING! Aspect Ratio Not CVT Standar!Horizontal Pixel Not Divisible by 8, Count "
-        "Rounded to Nearest Character Cell\n",
-        lines[0]["message"]);
+            "WARNING! Aspect Ratio Not CVT Standar!Horizontal Pixel Not Divisible by 8, Count "
+            "Rounded to Nearest Character Cell\n",
+            lines[0]["message"]);
 }
 
 class TimingCommandBadInputTest : public TimingCommandTest,
@@ -232,19 +232,19 @@ TEST_P(TimingCommandBadInputTest, OneLineOnStderrAndStatus2) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Arguments, TimingCommandBadInputTest,
-    ::testing::Values("timing 0 1080", "timing 1920 0", "timing -1920 1080", "timing 1920 -1080",
-                      "timing abc 1080", "timing 1920 1080 0", "timing 1920 1080 -60",
-                      "timing 1920 1080 6x", "timing 1920.5 1080", "timing 4294967296 1080",
-                      "timing ''  1080", "timing 1920", "timing 1920 1080 60 70",
-                      "timing 1920 1080 --format xml", "timing 1920 1080 --format",
-                      "timing 1920 1080 --bits abc", "timing 1920 1080 --bits 0",
-                      "timing 1920 1080 --bits -8", "timing 1920 1080 --components 0",
-                      "timing 1920 1080 --components inf", "timing 1920 1080 --components -1",
-                      "timing 1920 1080 --components x", "timing 1920 1080 --max-refresh abc",
-                      "timing 1920 1080 --max-refresh 100 --max-width 100",
-                      "timing 1920 1080 --no-such-option"),
-    [](const auto& info) { return "case" + std::to_string(info.index); });
+        Arguments, TimingCommandBadInputTest,
+        ::testing::Values("timing 0 1080", "timing 1920 0", "timing -1920 1080", "timing 1920 -1080",
+                          "timing abc 1080", "timing 1920 1080 0", "timing 1920 1080 -60",
+                          "timing 1920 1080 6x", "timing 1920.5 1080", "timing 4294967296 1080",
+                          "timing ''  1080", "timing 1920", "timing 1920 1080 60 70",
+                          "timing 1920 1080 --format xml", "timing 1920 1080 --format",
+                          "timing 1920 1080 --bits abc", "timing 1920 1080 --bits 0",
+                          "timing 1920 1080 --bits -8", "timing 1920 1080 --components 0",
+                          "timing 1920 1080 --components inf", "timing 1920 1080 --components -1",
+                          "timing 1920 1080 --components x", "timing 1920 1080 --max-refresh abc",
+                          "timing 1920 1080 --max-refresh 100 --max-width 100",
+                          "timing 1920 1080 --no-such-option"),
+        [](const auto& info) { return "case" + std::to_string(info.index); });
 
 }  // namespace
 }  // namespace vesk::test

@@ -30,8 +30,8 @@ TEST_F(TimingSearchTest, MaxRefreshFor1080pUnder148_5MHzIsFiveBelowFirstTooFast)
     setProperty(kLevelProperty, "I");
     VideoTimingCaculator calculator;
     EXPECT_EQ(60, calculator.getMaxVFreq(1920, 1080, 148.5, 8, 3.0, "cvt_rb", false, false, false));
-    int first =
-        firstOver(148.5, [](uint32_t rate) { return cvt(1920, 1080, rate, "cvt_rb").pix_clock; });
+    int first = firstOver(148.5,
+                          [](uint32_t rate) { return cvt(1920, 1080, rate, "cvt_rb").pix_clock; });
     EXPECT_EQ(65, first);
     EXPECT_EQ((LogLines{{ANDROID_LOG_INFO, kTimingTag, "getMaxVFreq 65\n"}}), capturedLog());
 }

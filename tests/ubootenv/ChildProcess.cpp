@@ -108,23 +108,23 @@ ChildOutcome runInChild(const std::function<void()>& limit, const std::function<
 
 ChildOutcome runWithMemoryLimit(size_t headroom, const std::function<int()>& body) {
     return runInChild(
-        [headroom] {
-            rlimit limit{};
-            limit.rlim_cur = limit.rlim_max = addressSpaceInUse() + headroom;
-            if (setrlimit(RLIMIT_AS, &limit) != 0) _exit(4);
-        },
-        body);
+            [headroom] {
+                rlimit limit{};
+                limit.rlim_cur = limit.rlim_max = addressSpaceInUse() + headroom;
+                if (setrlimit(RLIMIT_AS, &limit) != 0) _exit(4);
+            },
+            body);
 }
 
 ChildOutcome runWithFileSizeLimit(size_t limit, const std::function<int()>& body) {
     return runInChild(
-        [limit] {
-            signal(SIGXFSZ, SIG_IGN);  // a write past the limit then fails with EFBIG
-            rlimit fileSize{};
-            fileSize.rlim_cur = fileSize.rlim_max = limit;
-            if (setrlimit(RLIMIT_FSIZE, &fileSize) != 0) _exit(4);
-        },
-        body);
+            [limit] {
+                signal(SIGXFSZ, SIG_IGN);  // a write past the limit then fails with EFBIG
+                rlimit fileSize{};
+                fileSize.rlim_cur = fileSize.rlim_max = limit;
+                if (setrlimit(RLIMIT_FSIZE, &fileSize) != 0) _exit(4);
+            },
+            body);
 }
 
 }  // namespace vesk::test

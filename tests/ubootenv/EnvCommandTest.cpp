@@ -19,7 +19,7 @@ class EnvCommandTest : public EnvTest {
         std::string errors = hostPath("/data/stderr.txt");
         Run run{-1, "", ""};
         run.out = runCommand("'" VESK_BINARY_DIR "/bin/veskdm' --root '" + root.path() + "' " +
-                                 arguments + " 2>'" + errors + "'",
+                                     arguments + " 2>'" + errors + "'",
                              &run.status);
         std::string text = readFile(errors);
         if (!text.empty() && text.back() == '\n') text.pop_back();
@@ -102,7 +102,7 @@ TEST_F(EnvCommandTest, AnUnreadableDeviceIsAnError) {
         EXPECT_EQ("", run.out) << command;
         EXPECT_EQ("veskdm: cannot read the boot loader's environment from " + missing,
                   run.lastErrorLine)
-            << command;
+                << command;
     }
     EXPECT_EQ("", readFile(missing));
 }

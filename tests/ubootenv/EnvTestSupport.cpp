@@ -14,21 +14,21 @@ namespace vesk::test {
 
 Variables factoryVariables() {
     return {
-        {"bootdelay", "1"},
-        {"baudrate", "115200"},
-        {"bootcmd", "run storeboot"},
-        {"storeboot", "run get_os_type; run storage_param; run boot_normal"},
-        {"hdmimode", "1080p60hz"},
-        {"outputmode", "1080p60hz"},
-        {"is.bestmode", "true"},
-        {"custom_mode", "0"},
-        {"colorattribute", "444,8bit"},
-        {"cvbsmode", "576cvbs"},
-        {"display_width", "1920"},
-        {"display_height", "1080"},
-        {"firstboot", "1"},
-        {"lock", "10101000"},
-        {"upgrade_step", "2"},
+            {"bootdelay", "1"},
+            {"baudrate", "115200"},
+            {"bootcmd", "run storeboot"},
+            {"storeboot", "run get_os_type; run storage_param; run boot_normal"},
+            {"hdmimode", "1080p60hz"},
+            {"outputmode", "1080p60hz"},
+            {"is.bestmode", "true"},
+            {"custom_mode", "0"},
+            {"colorattribute", "444,8bit"},
+            {"cvbsmode", "576cvbs"},
+            {"display_width", "1920"},
+            {"display_height", "1080"},
+            {"firstboot", "1"},
+            {"lock", "10101000"},
+            {"upgrade_step", "2"},
     };
 }
 
@@ -47,7 +47,7 @@ std::string dataArea(const std::vector<std::string>& strings, size_t size) {
 
 uint32_t crcOf(const std::string& bytes) {
     return static_cast<uint32_t>(
-        crc32(0, reinterpret_cast<const Bytef*>(bytes.data()), bytes.size()));
+            crc32(0, reinterpret_cast<const Bytef*>(bytes.data()), bytes.size()));
 }
 
 std::string envCopy(const std::string& data, size_t crcBytes) {

@@ -38,8 +38,8 @@ TEST_F(UbootenvHostileImageTest, FileCutInsideAString) {
     expected[3].second = expected[3].second.substr(0, 46 - 10);
     EXPECT_EQ(expected, attributeList(env));
     EXPECT_EQ(
-        around({{kError, "readPartitionData", "[ubootenv] read error 0x64 \n"}, kFirstEnvError}),
-        takeEnvLog());
+            around({{kError, "readPartitionData", "[ubootenv] read error 0x64 \n"}, kFirstEnvError}),
+            takeEnvLog());
 }
 
 TEST_F(UbootenvHostileImageTest, BadCopyAAndCopyBCutShort) {
@@ -53,7 +53,7 @@ TEST_F(UbootenvHostileImageTest, BadCopyAAndCopyBCutShort) {
     EXPECT_EQ((Variables{{"b", "1"}, {"c", "2"}}), attributeList(env));
     EXPECT_EQ(around({{kError, "readPartitionData",
                        "[ubootenv] CRC Check SYS_LOGE save_crc=" + hex8(storedCrc(bad, 0)) +
-                           ", crcCalc = " + hex8(crcOf(bad.substr(4))) + " \n"},
+                               ", crcCalc = " + hex8(crcOf(bad.substr(4))) + " \n"},
                       kFirstEnvError}),
               takeEnvLog());
 }
@@ -86,11 +86,11 @@ TEST_F(UbootenvHostileImageTest, NoNulAtAllInTheDataArea) {
     Ubootenv env;
     EXPECT_TRUE(env.initDone);
     EXPECT_EQ((Variables{{"a", std::string(4095, 'x')}}), attributeList(env));
-    EXPECT_EQ(
-        around({{kError, "parseAttribute", "[ubootenv] value of a (65530 characters) cut to 4095\n"},
-                {kError, "parseAttribute",
-                 "[ubootenv] env data has no end mark within 65532 bytes\n"}}),
-        takeEnvLog());
+    EXPECT_EQ(around({{kError, "parseAttribute",
+                       "[ubootenv] value of a (65530 characters) cut to 4095\n"},
+                      {kError, "parseAttribute",
+                       "[ubootenv] env data has no end mark within 65532 bytes\n"}}),
+              takeEnvLog());
 }
 
 TEST_F(UbootenvHostileImageTest, KeyOf300Characters) {
@@ -116,11 +116,11 @@ TEST_F(UbootenvHostileImageTest, KeyAndValueBothTooLong) {
     writeDevice(kEnvDevice, envImage({{key, std::string(6000, 'v')}}));
     Ubootenv env;
     EXPECT_EQ((Variables{{key.substr(0, 255), std::string(4095, 'v')}}), attributeList(env));
-    EXPECT_EQ(
-        around({{kError, "parseAttribute", "[ubootenv] key of 400 characters cut to 255\n"},
-                {kError, "parseAttribute",
-                 "[ubootenv] value of " + key.substr(0, 255) + " (6000 characters) cut to 4095\n"}}),
-        takeEnvLog());
+    EXPECT_EQ(around({{kError, "parseAttribute", "[ubootenv] key of 400 characters cut to 255\n"},
+                      {kError, "parseAttribute",
+                       "[ubootenv] value of " + key.substr(0, 255) +
+                               " (6000 characters) cut to 4095\n"}}),
+              takeEnvLog());
 }
 
 TEST_F(UbootenvHostileImageTest, ErasedFlashEverywhere) {
@@ -130,12 +130,12 @@ TEST_F(UbootenvHostileImageTest, ErasedFlashEverywhere) {
     EXPECT_FALSE(env.initDone);
     std::string crc = hex8(crcOf(std::string(65532, '\xff')));
     EnvLogs attempt = {
-        {kError, "readPartitionData",
-         "[ubootenv] CRC Check SYS_LOGE save_crc=ffffffff, crcCalc = " + crc + " \n"},
-        kFirstEnvError,
-        {kError, "readPartitionData",
-         "[ubootenv] CRC2 Check SYS_LOGE save_crc=ffffffff, crcCalc = " + crc + " \n"},
-        {kError, "init", "[ubootenv] Cannot read /dev/block/env: -3.\n"}};
+            {kError, "readPartitionData",
+             "[ubootenv] CRC Check SYS_LOGE save_crc=ffffffff, crcCalc = " + crc + " \n"},
+            kFirstEnvError,
+            {kError, "readPartitionData",
+             "[ubootenv] CRC2 Check SYS_LOGE save_crc=ffffffff, crcCalc = " + crc + " \n"},
+            {kError, "init", "[ubootenv] Cannot read /dev/block/env: -3.\n"}};
     EXPECT_EQ((EnvLogs{loadedLog()[0]} + repeated(attempt, 5) +
                EnvLogs{{kError, "init", "[ubootenv] read /dev/block/env failed \n"}}),
               takeEnvLog());

@@ -32,7 +32,7 @@ EnvLogs printedList(const Variables& variables) {
     EnvLogs lines;
     for (const auto& [key, value] : variables) {
         lines.push_back(
-            {kInfo, "printValues", "[ubootenv] key: [" + key + "], value: [" + value + "]\n"});
+                {kInfo, "printValues", "[ubootenv] key: [" + key + "], value: [" + value + "]\n"});
     }
     return lines;
 }
@@ -95,7 +95,7 @@ TEST_F(UbootenvLoadTest, ByNameUbootenvTakesItsSizesFromTheMtdLayer) {
     // One copy is the reported 32768 bytes: CRC word, 32760 bytes of data covered by the CRC,
     // then 4 bytes that are not.
     std::string copyA =
-        envCopy(dataArea({"hdmimode=720p60hz", "is.bestmode=false"}, 32760) + "ZZZZ", 32760);
+            envCopy(dataArea({"hdmimode=720p60hz", "is.bestmode=false"}, 32760) + "ZZZZ", 32760);
     ASSERT_EQ(32768u, copyA.size());
     writeDevice(kByNameUbootenv, twoCopies(copyA, badCopy({{"hdmimode", "480p60hz"}})));
     Ubootenv env;
@@ -130,10 +130,10 @@ TEST_F(UbootenvLoadTest, MtdDeviceThatCannotBeOpenedReturnsMinusTwo) {
     Ubootenv env;
     EXPECT_FALSE(env.initDone);
     EXPECT_EQ(-2, env.init());
-    EXPECT_EQ(
-        repeated({{kError, "init", "[ubootenv] open device(/dev/block/by-name/ubootenv) error\n"}},
-                 2),
-        takeEnvLog());
+    EXPECT_EQ(repeated({{kError, "init",
+                         "[ubootenv] open device(/dev/block/by-name/ubootenv) error\n"}},
+                       2),
+              takeEnvLog());
 }
 
 TEST_F(UbootenvLoadTest, MtdSizeTooSmallForTheCrcWordsIsRefused) {
@@ -144,8 +144,8 @@ TEST_F(UbootenvLoadTest, MtdSizeTooSmallForTheCrcWordsIsRefused) {
     EXPECT_FALSE(env.initDone);
     EXPECT_EQ(-3, env.init());
     EXPECT_EQ(
-        repeated({{kError, "init", "[ubootenv] MTD size 8 too small for an environment\n"}}, 2),
-        takeEnvLog());
+            repeated({{kError, "init", "[ubootenv] MTD size 8 too small for an environment\n"}}, 2),
+            takeEnvLog());
 }
 
 TEST_F(UbootenvLoadTest, NoDeviceLeavesTheObjectEmpty) {
@@ -155,9 +155,9 @@ TEST_F(UbootenvLoadTest, NoDeviceLeavesTheObjectEmpty) {
     EXPECT_FALSE(env.initDone);
     EXPECT_EQ(nullptr, env.image);
     EXPECT_EQ((Variables{{"", ""}}), attributeList(env));
-    EnvLogs attempt = {
-        {kError, "readPartitionData", "[ubootenv] open devices error: No such file or directory\n"},
-        {kError, "init", "[ubootenv] Cannot read : -1.\n"}};
+    EnvLogs attempt = {{kError, "readPartitionData",
+                        "[ubootenv] open devices error: No such file or directory\n"},
+                       {kError, "init", "[ubootenv] Cannot read : -1.\n"}};
     EXPECT_EQ((EnvLogs{{kInfo, "init", "[ubootenv] using  with size(65536) (65532)"}} +
                repeated(attempt, 5) + EnvLogs{{kError, "init", "[ubootenv] read  failed \n"}}),
               takeEnvLog());
@@ -199,11 +199,11 @@ TEST_F(UbootenvLoadTest, BothCopiesBadFailAfterFiveTries) {
     EXPECT_EQ(nullptr, env.data);
     EnvLogs attempt = {{kError, "readPartitionData",
                         "[ubootenv] CRC Check SYS_LOGE save_crc=" + hex8(storedCrc(copyA, 0)) +
-                            ", crcCalc = " + hex8(crcOf(copyA.substr(4))) + " \n"},
+                                ", crcCalc = " + hex8(crcOf(copyA.substr(4))) + " \n"},
                        {kInfo, "readPartitionData", "first env error, try second....\n"},
                        {kError, "readPartitionData",
                         "[ubootenv] CRC2 Check SYS_LOGE save_crc=" + hex8(storedCrc(copyB, 0)) +
-                            ", crcCalc = " + hex8(crcOf(copyB.substr(4))) + " \n"},
+                                ", crcCalc = " + hex8(crcOf(copyB.substr(4))) + " \n"},
                        {kError, "init", "[ubootenv] Cannot read /dev/block/env: -3.\n"}};
     EXPECT_EQ((EnvLogs{loadedLog()[0]} + repeated(attempt, 5) +
                EnvLogs{{kError, "init", "[ubootenv] read /dev/block/env failed \n"}}),
@@ -388,12 +388,12 @@ class ReadLoopTest : public EnvTest {
         fifo.feed(envCopy(dataArea(envStrings(good))));
         return {{kError, "readPartitionData",
                  "[ubootenv] CRC Check SYS_LOGE save_crc=" + hex8(storedCrc(copyA, 0)) +
-                     ", crcCalc = " + hex8(crcOf(copyA.substr(4))) + " \n"},
+                         ", crcCalc = " + hex8(crcOf(copyA.substr(4))) + " \n"},
                 {kInfo, "readPartitionData", "first env error, try second....\n"},
                 {kError, "readPartitionData", "[ubootenv] lseek error, seeknum = -1 \n"},
                 {kError, "readPartitionData",
                  "[ubootenv] CRC2 Check SYS_LOGE save_crc=" + hex8(storedCrc(copyB, 0)) +
-                     ", crcCalc = " + hex8(crcOf(copyB.substr(4))) + " \n"},
+                         ", crcCalc = " + hex8(crcOf(copyB.substr(4))) + " \n"},
                 {kError, "init", "[ubootenv] Cannot read /dev/block/env: -3.\n"}};
     }
 
@@ -451,7 +451,7 @@ TEST_F(UbootenvLoadTest, CopyOfAnotherSizeIsTakenFromCopyBOnTrust) {
                         "[ubootenv] using /dev/block/by-name/ubootenv with size(131072) (131064)"},
                        {kError, "readPartitionData",
                         "[ubootenv] CRC Check SYS_LOGE save_crc=" + hex8(storedCrc(image, 0)) +
-                            ", crcCalc = " + hex8(crcOf(image.substr(4, 131064))) + " \n"},
+                                ", crcCalc = " + hex8(crcOf(image.substr(4, 131064))) + " \n"},
                        {kInfo, "readPartitionData", "first env error, try second....\n"},
                        {kInfo, "propertyLoad", "[ubootenv] set property count: 0\n"}}),
               takeEnvLog());
@@ -489,9 +489,9 @@ TEST_F(UbootenvLoadTest, NoMemoryForTheCopyFailsEveryTry) {
     ASSERT_TRUE(outcome.exited);
     EXPECT_EQ(2, outcome.result);
     EnvLogs attempt = {
-        {kError, "readPartitionData",
-         "[ubootenv] Not enough memory for environment (4294967280 bytes)\n"},
-        {kError, "init", "[ubootenv] Cannot read /dev/block/by-name/ubootenv: -2.\n"}};
+            {kError, "readPartitionData",
+             "[ubootenv] Not enough memory for environment (4294967280 bytes)\n"},
+            {kError, "init", "[ubootenv] Cannot read /dev/block/by-name/ubootenv: -2.\n"}};
     EXPECT_EQ((EnvLogs{{kInfo, "init",
                         "[ubootenv] using /dev/block/by-name/ubootenv with size(-16) (-24)"}} +
                repeated(attempt, 5) +

@@ -169,7 +169,7 @@ TEST_F(MtdFifoTest, FailedSeekToTheStartReturnsMinusSeven) {
     ASSERT_EQ(1u, log.size());
     EXPECT_EQ((EnvLog{kError, "save",
                       "save() " + std::to_string(log[0].line) + ": err is " +
-                          std::to_string(ESPIPE) + "\n"}),
+                              std::to_string(ESPIPE) + "\n"}),
               log[0]);
 }
 
@@ -183,11 +183,11 @@ TEST_F(MtdFifoTest, FailedSeekToCopyBIsLoggedAndCopyBWrittenAnyway) {
     EXPECT_EQ(0, env.updateValue("ubootenv.var.hdmimode", "720p60hz"));
     std::string copy = envCopy(dataArea(envStrings(updated())));
     EXPECT_EQ(old.substr(65536) + copy + copy, fifo.drain(3 * 65536));
-    EXPECT_EQ(
-        (EnvLogs{updateLine("ubootenv.var.hdmimode", "720p60hz"),
-                 {kError, "save", "[ubootenv] can not lseek, seek num = -1 \n"},
-                 {kInfo, "updateValue", "[ubootenv] Save ubootenv to " + device + " succeed!\n"}}),
-        takeEnvLog());
+    EXPECT_EQ((EnvLogs{updateLine("ubootenv.var.hdmimode", "720p60hz"),
+                       {kError, "save", "[ubootenv] can not lseek, seek num = -1 \n"},
+                       {kInfo, "updateValue",
+                        "[ubootenv] Save ubootenv to " + device + " succeed!\n"}}),
+              takeEnvLog());
 }
 
 // 32768-byte copies as the MTD layer reports them for /dev/block/by-name/ubootenv, which

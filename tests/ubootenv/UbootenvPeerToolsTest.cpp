@@ -13,18 +13,18 @@ namespace vesk::test {
 namespace {
 
 const Variables kVariables = {
-    {"bootdelay", "1"},
-    {"bootcmd", "run storeboot"},
-    {"bootargs", "console=ttyS0,115200 root=/dev/mmcblk0p2 rw"},
-    {"hdmimode", "1080p60hz"},
-    {"is.bestmode", "true"},
-    {"custom_mode", "0"},
-    {"outputmode", "1080p60hz"},
-    {"cvbsmode", "576cvbs"},
-    {"display_width", "1920"},
-    {"display_height", "1080"},
-    {"empty_value", ""},
-    {"upgrade_step", "2"},
+        {"bootdelay", "1"},
+        {"bootcmd", "run storeboot"},
+        {"bootargs", "console=ttyS0,115200 root=/dev/mmcblk0p2 rw"},
+        {"hdmimode", "1080p60hz"},
+        {"is.bestmode", "true"},
+        {"custom_mode", "0"},
+        {"outputmode", "1080p60hz"},
+        {"cvbsmode", "576cvbs"},
+        {"display_width", "1920"},
+        {"display_height", "1080"},
+        {"empty_value", ""},
+        {"upgrade_step", "2"},
 };
 
 class PeerToolsTest : public EnvTest {
@@ -56,7 +56,7 @@ class PeerToolsTest : public EnvTest {
     std::vector<std::string> printenv(const std::string& config, const std::string& name = "") {
         int status = -1;
         std::string output =
-            runCommand("fw_printenv -c '" + config + "' " + name + " 2>/dev/null", &status);
+                runCommand("fw_printenv -c '" + config + "' " + name + " 2>/dev/null", &status);
         EXPECT_EQ(0, status) << config;
         std::vector<std::string> lines;
         size_t start = 0;

@@ -37,9 +37,9 @@ TEST_P(PowerCutTest, LeavesTheOldOrTheNewEnvironmentComplete) {
     EnvLogs childLog = parseEnvLog(outcome.log);
     if (cut >= 131072) {
         EXPECT_EQ(0, outcome.result);
-        EXPECT_EQ(
-            EnvLog({kInfo, "updateValue", "[ubootenv] Save ubootenv to /dev/block/env succeed!\n"}),
-            childLog.back());
+        EXPECT_EQ(EnvLog({kInfo, "updateValue",
+                          "[ubootenv] Save ubootenv to /dev/block/env succeed!\n"}),
+                  childLog.back());
     } else {
         EXPECT_EQ(-3, outcome.result);
         EnvLogs attempt = {{kError, "save", "[ubootenv] SYS_LOGE write, size 65536 \n"},
@@ -65,7 +65,7 @@ TEST_P(PowerCutTest, LeavesTheOldOrTheNewEnvironmentComplete) {
         expected.insert(expected.begin() + 1,
                         {{kError, "readPartitionData",
                           "[ubootenv] CRC Check SYS_LOGE save_crc=" + hex8(storedCrc(tornA, 0)) +
-                              ", crcCalc = " + hex8(crcOf(tornA.substr(4))) + " \n"},
+                                  ", crcCalc = " + hex8(crcOf(tornA.substr(4))) + " \n"},
                          {kInfo, "readPartitionData", "first env error, try second....\n"}});
     }
     EXPECT_EQ(expected, takeEnvLog());

@@ -115,12 +115,12 @@ TEST_F(UbootenvSaveTest, OtherNamesWithoutThePrefixAreRejected) {
     takeEnvLog();
     EXPECT_EQ(-2, env.updateValue("ubootenv.var.", "x"));
     EXPECT_EQ(-2, env.updateValue(nullptr, "x"));
-    EXPECT_EQ(
-        (EnvLogs{updateLine("ubootenv.var.", "x"),
-                 {kError, "updateValue", "[ubootenv] ubootenv.var. is not a ubootenv variable.\n"},
-                 updateLine("(null)", "x"),
-                 {kError, "updateValue", "[ubootenv] (null) is not a ubootenv variable.\n"}}),
-        takeEnvLog());
+    EXPECT_EQ((EnvLogs{updateLine("ubootenv.var.", "x"),
+                       {kError, "updateValue",
+                        "[ubootenv] ubootenv.var. is not a ubootenv variable.\n"},
+                       updateLine("(null)", "x"),
+                       {kError, "updateValue", "[ubootenv] (null) is not a ubootenv variable.\n"}}),
+              takeEnvLog());
 }
 
 // "a=b" stored as a key would load back as the key "a" with a value starting "b=", shadowing or
@@ -263,10 +263,10 @@ TEST_F(UbootenvSaveTest, SetRefusesAKeyOrValueThatDoesNotFitANode) {
     EXPECT_EQ(-1, env.set("hdmimode", std::string(4096, 'v').c_str(), false));
     EXPECT_EQ(factoryVariables(), attributeList(env));
     EXPECT_EQ(
-        (EnvLogs{
-            {kError, "set", "[ubootenv] key of 256 characters is too long (at most 255)\n"},
-            {kError, "set", "[ubootenv] value of 4096 characters is too long (at most 4095)\n"}}),
-        takeEnvLog());
+            (EnvLogs{{kError, "set", "[ubootenv] key of 256 characters is too long (at most 255)\n"},
+                     {kError, "set",
+                      "[ubootenv] value of 4096 characters is too long (at most 4095)\n"}}),
+            takeEnvLog());
     EXPECT_EQ(1, env.set(std::string(255, 'k').c_str(), "v", true));
     EXPECT_EQ(2, env.set("hdmimode", std::string(4095, 'v').c_str(), false));
     EXPECT_EQ(std::string(4095, 'v'), env.get("hdmimode"));
@@ -342,9 +342,9 @@ TEST_F(UbootenvSaveTest, AValueOfMoreThan4095CharactersIsRefused) {
                               updateLine("ubootenv.var.hdmimode", value).text)}),
               log[0]);
     EXPECT_EQ(
-        (EnvLog{kError, "updateValue",
-                "[ubootenv] value of hdmimode (4096 characters) is too long (at most 4095)\n"}),
-        log[1]);
+            (EnvLog{kError, "updateValue",
+                    "[ubootenv] value of hdmimode (4096 characters) is too long (at most 4095)\n"}),
+            log[1]);
 }
 
 TEST_F(UbootenvSaveTest, AValueOf4095CharactersIsStoredWhole) {
@@ -502,11 +502,11 @@ TEST_F(UbootenvSaveTest, EachCopyIsOnTheDeviceBeforeTheNextWriteUnderAnExclusive
     int status = -1;
     // LeakSanitizer cannot work under strace; the asan build's tool is traced without it.
     runCommand(
-        "ASAN_OPTIONS=detect_leaks=0 strace -f -qq -e "
-        "trace=openat,flock,lseek,write,fdatasync,fsync,close -o '" +
-            trace + "' '" VESK_BINARY_DIR "/bin/veskdm' --root '" + root.path() +
-            "' env set hdmimode 720p60hz 2>/dev/null",
-        &status);
+            "ASAN_OPTIONS=detect_leaks=0 strace -f -qq -e "
+            "trace=openat,flock,lseek,write,fdatasync,fsync,close -o '" +
+                    trace + "' '" VESK_BINARY_DIR "/bin/veskdm' --root '" + root.path() +
+                    "' env set hdmimode 720p60hz 2>/dev/null",
+            &status);
     ASSERT_EQ(0, status);
     std::istringstream lines(readFile(trace));
     std::string line;
@@ -526,11 +526,11 @@ TEST_F(UbootenvSaveTest, EachCopyIsOnTheDeviceBeforeTheNextWriteUnderAnExclusive
         calls.push_back(std::string(match[1]) + "(" + arguments + ")=" + std::string(match[4]));
         if (match[1] == "close") break;
     }
-    EXPECT_EQ(
-        (std::vector<std::string>{"flock(LOCK_EX)=0", "lseek(0, SEEK_SET)=0", "write(65536)=65536",
-                                  "fdatasync()=0", "lseek(65536, SEEK_SET)=65536",
-                                  "write(65536)=65536", "fdatasync()=0", "close()=0"}),
-        calls);
+    EXPECT_EQ((std::vector<std::string>{"flock(LOCK_EX)=0", "lseek(0, SEEK_SET)=0",
+                                        "write(65536)=65536", "fdatasync()=0",
+                                        "lseek(65536, SEEK_SET)=65536", "write(65536)=65536",
+                                        "fdatasync()=0", "close()=0"}),
+              calls);
 }
 
 }  // namespace

@@ -98,11 +98,10 @@ TEST_F(CommandLineTest, CallKeepsEveryCallbackInvocation) {
 
 TEST_F(CommandLineTest, CallWithByteVectorAndStruct) {
     EXPECT_EQ(veskdm.run({"call", "writeSerialPort232", "[1, 2, 255]"}).status, 0);
-    EXPECT_EQ(veskdm
-                  .run({"call", "setVeskLogConfigure",
-                        R"({"level": "D", "base": "/data/log", "mode": "ring",)"
-                        R"( "total_size": "64M", "once_size": "4M"})"})
-                  .status,
+    EXPECT_EQ(veskdm.run({"call", "setVeskLogConfigure",
+                          R"({"level": "D", "base": "/data/log", "mode": "ring",)"
+                          R"( "total_size": "64M", "once_size": "4M"})"})
+                      .status,
               0);
     EXPECT_THAT(calls(), ElementsAre("fetch default", "writeSerialPort232 1 2 255", "fetch default",
                                      "setVeskLogConfigure D|/data/log|ring|64M|4M"));

@@ -85,8 +85,9 @@ TEST_F(EndToEndTest, CallSetterThenGetter) {
 
 // In one process the board keeps what was set.
 TEST_F(EndToEndTest, SetterThenGetterInOneShell) {
-    Outcome outcome = run({"shell"}, "setSysLedState 2\ngetSysLedState\nsetSysLedState 3\n"
-                                     "getSysLedState\n");
+    Outcome outcome = run({"shell"},
+                          "setSysLedState 2\ngetSysLedState\nsetSysLedState 3\n"
+                          "getSysLedState\n");
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     // LED states are 0 to 2: the board refuses 3 and keeps 2.
     EXPECT_THAT(outcome.outLines(),
@@ -124,8 +125,8 @@ TEST_F(EndToEndTest, GetCpuStatusShape) {
 TEST_F(EndToEndTest, GetCpuStatusFloatsAsShortestDecimals) {
     std::string script = root.path() + "/script.json";
     vesk::test::writeFile(
-        script, R"({"bi_info_get_cpu_state": {"return": 0, "out": )"
-                R"("66664241cdcccc3d333353400000a042abaaaa3e00000000000030402f000000"}})");
+            script, R"({"bi_info_get_cpu_state": {"return": 0, "out": )"
+                    R"("66664241cdcccc3d333353400000a042abaaaa3e00000000000030402f000000"}})");
     Outcome outcome = run({"--board-script", script, "call", "getCpuStatus"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_EQ(outcome.out,
@@ -240,9 +241,9 @@ TEST_F(EndToEndTest, RefusesWrongType) {
 
 TEST_F(EndToEndTest, RefusesStructWithMissingField) {
     expectRefused(
-        {"call", "setVeskLogConfigure",
-         R"({"level": "D", "base": "/data/log", "mode": "ring", "total_size": "64M"})"},
-        "setVeskLogConfigure: argument 1 (VeskLogInfo info): missing field \"once_size\"");
+            {"call", "setVeskLogConfigure",
+             R"({"level": "D", "base": "/data/log", "mode": "ring", "total_size": "64M"})"},
+            "setVeskLogConfigure: argument 1 (VeskLogInfo info): missing field \"once_size\"");
 }
 
 TEST_F(EndToEndTest, RefusesStructWithUnknownField) {

@@ -290,8 +290,8 @@ TEST(Strings, EmbeddedNulKeepsItsLength) {
 
 TEST(Strings, InvalidUtf8IsReplacedOnOutput) {
     hidl_string text(
-        "\xff"
-        "ok");
+            "\xff"
+            "ok");
     EXPECT_EQ(dumpJson(toJson(text)), "\"\xEF\xBF\xBDok\"");
 }
 
@@ -330,8 +330,8 @@ TEST(Vectors, Words) {
 }
 
 TEST(Vectors, OfStructs) {
-    hidl_vec<hal::UsbList> list =
-        read<hidl_vec<hal::UsbList>>("[{\"vid\": 4660, \"pid\": 22136}, {\"vid\": 1, \"pid\": 2}]");
+    hidl_vec<hal::UsbList> list = read<hidl_vec<hal::UsbList>>(
+            "[{\"vid\": 4660, \"pid\": 22136}, {\"vid\": 1, \"pid\": 2}]");
     ASSERT_EQ(list.size(), 2u);
     EXPECT_EQ(list[0].vid, 0x1234u);
     EXPECT_EQ(list[0].pid, 0x5678u);
@@ -416,9 +416,9 @@ TEST(Structs, ProductInfo) {
 
 TEST(Structs, WatchDogCfg) {
     EXPECT_EQ(
-        dumpJson(toJson(read<hal::WatchDogCfg>(
-            "{\"wdtDevice\": \"/dev/watchdog\", \"wdt_timeout\": 30, \"wdt_interval\": 10}"))),
-        "{\"wdtDevice\":\"/dev/watchdog\",\"wdt_timeout\":30,\"wdt_interval\":10}");
+            dumpJson(toJson(read<hal::WatchDogCfg>("{\"wdtDevice\": \"/dev/watchdog\", "
+                                                   "\"wdt_timeout\": 30, \"wdt_interval\": 10}"))),
+            "{\"wdtDevice\":\"/dev/watchdog\",\"wdt_timeout\":30,\"wdt_interval\":10}");
 }
 
 TEST(Structs, ProcessInfo) {
@@ -459,8 +459,8 @@ TEST(Structs, CpuStatusFloatsAreShortest) {
 
 TEST(Structs, VeskLogInfo) {
     hal::VeskLogInfo info = read<hal::VeskLogInfo>(
-        "{\"level\": \"D\", \"base\": \"/data/log\", \"mode\": \"ring\", \"total_size\": "
-        "\"64M\", \"once_size\": \"4M\"}");
+            "{\"level\": \"D\", \"base\": \"/data/log\", \"mode\": \"ring\", \"total_size\": "
+            "\"64M\", \"once_size\": \"4M\"}");
     EXPECT_EQ(std::string(info.level), "D");
     EXPECT_EQ(std::string(info.base), "/data/log");
     EXPECT_EQ(std::string(info.mode), "ring");
@@ -473,14 +473,14 @@ TEST(Structs, VeskEffeResolution) {
     EXPECT_EQ(dumpJson(toJson(resolution)),
               "{\"width\":1920,\"height\":1080,\"fps\":60,\"status\":-3}");
     EXPECT_EQ(errorOf<hal::VeskEffeResolution>(
-                  "{\"width\": -1, \"height\": 1080, \"fps\": 60, \"status\": 1}"),
+                      "{\"width\": -1, \"height\": 1080, \"fps\": 60, \"status\": 1}"),
               "field \"width\": expected an integer from 0 to 4294967295 (uint32_t), got -1 (out "
               "of range)");
 }
 
 TEST(Structs, MessageParcel) {
     hal::MessageParcel parcel =
-        read<hal::MessageParcel>("{\"what\": 7, \"message\": \"hi\", \"payload\": [1, 2]}");
+            read<hal::MessageParcel>("{\"what\": 7, \"message\": \"hi\", \"payload\": [1, 2]}");
     EXPECT_EQ(parcel.what, 7);
     EXPECT_EQ(std::string(parcel.message), "hi");
     EXPECT_EQ(dumpJson(toJson(parcel)), "{\"what\":7,\"message\":\"hi\",\"payload\":[1,2]}");

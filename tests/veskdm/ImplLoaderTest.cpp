@@ -69,7 +69,7 @@ TEST_F(ImplLoaderTest, PathFromTheEnvironment) {
 // Without $VESK_IMPL_LIB (or with it empty): lib/ beside the program's bin/.
 TEST_F(ImplLoaderTest, PathBesideTheProgram) {
     const std::string expected =
-        VESK_BINARY_DIR "/bin/../lib/vesk.hardware.veskdevicemanager@1.0-impl.so";
+            VESK_BINARY_DIR "/bin/../lib/vesk.hardware.veskdevicemanager@1.0-impl.so";
     unsetenv("VESK_IMPL_LIB");
     EXPECT_EQ(implLibraryPath(), expected);
     setenv("VESK_IMPL_LIB", "", 1);

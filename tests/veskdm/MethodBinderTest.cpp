@@ -60,7 +60,7 @@ TEST_F(MethodBinderTest, FloatReturnIsShortest) {
 
 TEST_F(MethodBinderTest, SeveralIntegerWidths) {
     EXPECT_CALL(*service, openSerialPort485(115200, uint8_t{8}, uint8_t{1}, int8_t{-128}))
-        .WillOnce(gm::Return(0));
+            .WillOnce(gm::Return(0));
     run({"openSerialPort485", "115200", "8", "1", "-128"});
 }
 
@@ -68,7 +68,7 @@ TEST_F(MethodBinderTest, Uint16AndFloatArguments) {
     hidl_vec<uint8_t> edid{0x00, 0xFF, 0xFF};
     EXPECT_CALL(*service,
                 getEdidFromDefined(uint8_t{255}, uint16_t{65535}, uint16_t{1080}, 59.94f, _))
-        .WillOnce(DoAll(InvokeArgument<4>(edid), gm::Return(Void())));
+            .WillOnce(DoAll(InvokeArgument<4>(edid), gm::Return(Void())));
     EXPECT_EQ(run({"getEdidFromDefined", "255", "65535", "1080", "59.94"}),
               R"({"method":"getEdidFromDefined","return":null,"callbacks":[[[0,255,255]]]})");
 }
@@ -76,7 +76,7 @@ TEST_F(MethodBinderTest, Uint16AndFloatArguments) {
 TEST_F(MethodBinderTest, StringsNumbersAndBytes) {
     EXPECT_CALL(*service,
                 writeBlockData(hidl_string("/data/block a"), 16u, 3u, hidl_vec<uint8_t>{1, 2, 3}))
-        .WillOnce(gm::Return(3));
+            .WillOnce(gm::Return(3));
     EXPECT_EQ(run({"writeBlockData", "/data/block a", "16", "3", "[1, 2, 3]"}),
               R"({"method":"writeBlockData","return":3,"callbacks":[]})");
 }
@@ -88,7 +88,7 @@ TEST_F(MethodBinderTest, QuotedJsonString) {
 
 TEST_F(MethodBinderTest, WordVector) {
     EXPECT_CALL(*service, setRtcBootTime(hidl_vec<uint32_t>{2024, 1, 2, 3, 4, 5}))
-        .WillOnce(gm::Return(0));
+            .WillOnce(gm::Return(0));
     run({"setRtcBootTime", "[2024,1,2,3,4,5]"});
 }
 
@@ -116,7 +116,7 @@ TEST_F(MethodBinderTest, StructResultThroughTheCallback) {
     status.softirq = 1.0f / 3.0f;
     status.temperature = 45;
     EXPECT_CALL(*service, getCpuStatus(_))
-        .WillOnce(DoAll(InvokeArgument<0>(status), gm::Return(Void())));
+            .WillOnce(DoAll(InvokeArgument<0>(status), gm::Return(Void())));
     EXPECT_EQ(run({"getCpuStatus"}),
               R"({"method":"getCpuStatus","return":null,"callbacks":[[{"usr":12.15,"nic":0.5,)"
               R"("sys":3.3,"idle":80.0,"iowait":0.1,"irq":0.0,"softirq":0.33333334,)"
@@ -125,15 +125,15 @@ TEST_F(MethodBinderTest, StructResultThroughTheCallback) {
 
 TEST_F(MethodBinderTest, CallbackWithSeveralArguments) {
     EXPECT_CALL(*service, readBlockingSerialPort232(4u, 100u, _))
-        .WillOnce(DoAll(InvokeArgument<2>(hidl_vec<uint8_t>{65, 66}, 2u), gm::Return(Void())));
+            .WillOnce(DoAll(InvokeArgument<2>(hidl_vec<uint8_t>{65, 66}, 2u), gm::Return(Void())));
     EXPECT_EQ(run({"readBlockingSerialPort232", "4", "100"}),
               R"({"method":"readBlockingSerialPort232","return":null,"callbacks":[[[65,66],2]]})");
 }
 
 TEST_F(MethodBinderTest, EveryCallbackInvocationIsKept) {
     EXPECT_CALL(*service, readSpiFpga(2, _))
-        .WillOnce(DoAll(InvokeArgument<1>(2, hidl_vec<uint8_t>{7, 8}),
-                        InvokeArgument<1>(-1, hidl_vec<uint8_t>{}), gm::Return(Void())));
+            .WillOnce(DoAll(InvokeArgument<1>(2, hidl_vec<uint8_t>{7, 8}),
+                            InvokeArgument<1>(-1, hidl_vec<uint8_t>{}), gm::Return(Void())));
     EXPECT_EQ(run({"readSpiFpga", "2"}),
               R"({"method":"readSpiFpga","return":null,"callbacks":[[2,[7,8]],[-1,[]]]})");
 }
@@ -147,7 +147,7 @@ TEST_F(MethodBinderTest, CallbackNotCalled) {
 TEST_F(MethodBinderTest, VectorOfStructs) {
     hidl_vec<hal::VeskEffeResolution> list{{1920, 1080, 60, 1}, {3840, 2160, 30, -1}};
     EXPECT_CALL(*service, getResolutionParametersList(_))
-        .WillOnce(DoAll(InvokeArgument<0>(list), gm::Return(Void())));
+            .WillOnce(DoAll(InvokeArgument<0>(list), gm::Return(Void())));
     EXPECT_EQ(run({"getResolutionParametersList"}),
               R"({"method":"getResolutionParametersList","return":null,"callbacks":[[[)"
               R"({"width":1920,"height":1080,"fps":60,"status":1},)"
@@ -156,21 +156,21 @@ TEST_F(MethodBinderTest, VectorOfStructs) {
 
 TEST_F(MethodBinderTest, NullCallbackObject) {
     EXPECT_CALL(*service, hwRegistCallback(::android::sp<hal::IVeskDeviceCallback>(nullptr)))
-        .WillOnce(gm::Return(0));
+            .WillOnce(gm::Return(0));
     run({"hwRegistCallback", "null"});
 }
 
 TEST_F(MethodBinderTest, LocalCallbackObjectPrintsNotifications) {
     EXPECT_CALL(*service, hwRegistCallback(_))
-        .WillOnce(Invoke([](const ::android::sp<hal::IVeskDeviceCallback>& callback) {
-            EXPECT_NE(callback, nullptr);
-            hal::MessageParcel parcel;
-            parcel.what = 5;
-            parcel.message = "up";
-            parcel.payload = hidl_vec<uint8_t>{9};
-            if (callback != nullptr) callback->hwNotify(parcel);
-            return 0;
-        }));
+            .WillOnce(Invoke([](const ::android::sp<hal::IVeskDeviceCallback>& callback) {
+                EXPECT_NE(callback, nullptr);
+                hal::MessageParcel parcel;
+                parcel.what = 5;
+                parcel.message = "up";
+                parcel.payload = hidl_vec<uint8_t>{9};
+                if (callback != nullptr) callback->hwNotify(parcel);
+                return 0;
+            }));
     gm::internal::CaptureStdout();
     std::string line = run({"hwRegistCallback", "callback"});
     EXPECT_EQ(gm::internal::GetCapturedStdout(),
@@ -180,8 +180,8 @@ TEST_F(MethodBinderTest, LocalCallbackObjectPrintsNotifications) {
 
 TEST_F(MethodBinderTest, TransportFailure) {
     EXPECT_CALL(*service, getSysLedState())
-        .WillOnce(gm::Return(::android::hardware::Return<int32_t>(
-            Status::fromExceptionCode(Status::EX_TRANSACTION_FAILED))));
+            .WillOnce(gm::Return(::android::hardware::Return<int32_t>(
+                    Status::fromExceptionCode(Status::EX_TRANSACTION_FAILED))));
     EXPECT_THROW(run({"getSysLedState"}), TransportError);
 }
 
@@ -272,7 +272,7 @@ TEST_F(MethodBinderTest, UnreadableJson) {
                           "\"[1, 2\": ",
                           0),
               0u)
-        << error;
+            << error;
 }
 
 TEST_F(MethodBinderTest, VectorElementOutOfRange) {

@@ -51,10 +51,10 @@ std::vector<std::pair<std::string, std::string>> signaturesOfHal() {
         if (!std::regex_match(line, match, declaration)) continue;
         std::string results = match[3];
         std::string result = std::regex_match(results, scalar)
-                                 ? results.substr(0, results.find(' '))
-                                 : "void, callback(" + results + ")";
+                                     ? results.substr(0, results.find(' '))
+                                     : "void, callback(" + results + ")";
         signatures.emplace_back(
-            match[1], std::string(match[1]) + "(" + std::string(match[2]) + ") -> " + result);
+                match[1], std::string(match[1]) + "(" + std::string(match[2]) + ") -> " + result);
     }
     return signatures;
 }

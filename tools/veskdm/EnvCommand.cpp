@@ -39,7 +39,7 @@ std::unique_ptr<Ubootenv> loadEnvironment() {
 std::string variableName(const std::string& name) {
     std::string prefix = PROFIX_UBOOTENV_VAR;
     std::string key =
-        name.compare(0, prefix.size(), prefix) == 0 ? name.substr(prefix.size()) : name;
+            name.compare(0, prefix.size(), prefix) == 0 ? name.substr(prefix.size()) : name;
     if (key.empty()) throw UsageError("empty variable name");
     if (key.size() >= sizeof(EnvAttribute::key)) {
         throw UsageError("variable name longer than " +
@@ -98,13 +98,13 @@ void addEnvCommand(CLI::App& app) {
 
     auto* getCommand = env->add_subcommand("get", "print a variable's value");
     getCommand->add_option("NAME", gOptions.name, "with or without the ubootenv.var. prefix")
-        ->required();
+            ->required();
     addDeviceOption(getCommand);
     getCommand->callback(get);
 
     auto* setCommand = env->add_subcommand("set", "set a variable and save both copies");
     setCommand->add_option("NAME", gOptions.name, "with or without the ubootenv.var. prefix")
-        ->required();
+            ->required();
     setCommand->add_option("VALUE", gOptions.value)->required();
     addDeviceOption(setCommand);
     setCommand->callback(set);

@@ -42,74 +42,78 @@ void structFromJson(const Json& in, S& out, const Fields& fields) {
     }
     for (const auto& item : in.items()) {
         bool known = std::apply(
-            [&](const auto&... field) { return ((item.key() == field.name) || ...); }, fields);
+                [&](const auto&... field) { return ((item.key() == field.name) || ...); }, fields);
         if (!known) throw ArgumentError("unknown field \"" + item.key() + "\"");
     }
     S result{};
     std::apply(
-        [&](const auto&... field) {
-            auto read = [&](const auto& f) {
-                auto found = in.find(f.name);
-                if (found == in.end()) {
-                    throw ArgumentError("missing field \"" + std::string(f.name) + "\"");
-                }
-                try {
-                    fromJson(*found, result.*f.member);
-                } catch (const ArgumentError& error) {
-                    throw ArgumentError("field \"" + std::string(f.name) + "\": " + error.what());
-                }
-            };
-            (read(field), ...);
-        },
-        fields);
+            [&](const auto&... field) {
+                auto read = [&](const auto& f) {
+                    auto found = in.find(f.name);
+                    if (found == in.end()) {
+                        throw ArgumentError("missing field \"" + std::string(f.name) + "\"");
+                    }
+                    try {
+                        fromJson(*found, result.*f.member);
+                    } catch (const ArgumentError& error) {
+                        throw ArgumentError("field \"" + std::string(f.name) +
+                                            "\": " + error.what());
+                    }
+                };
+                (read(field), ...);
+            },
+            fields);
     out = std::move(result);
 }
 
 // The fields of each struct, in the order of types.hal.
 const auto kProductInfoFields = std::make_tuple(
-    Field{"text01", &hal::ProductInfo::text01}, Field{"modelId", &hal::ProductInfo::modelId},
-    Field{"text03", &hal::ProductInfo::text03}, Field{"text04", &hal::ProductInfo::text04},
-    Field{"text05", &hal::ProductInfo::text05}, Field{"text06", &hal::ProductInfo::text06},
-    Field{"text07", &hal::ProductInfo::text07}, Field{"text08", &hal::ProductInfo::text08},
-    Field{"text09", &hal::ProductInfo::text09}, Field{"text10", &hal::ProductInfo::text10},
-    Field{"text11", &hal::ProductInfo::text11}, Field{"text12", &hal::ProductInfo::text12},
-    Field{"text13", &hal::ProductInfo::text13}, Field{"text14", &hal::ProductInfo::text14},
-    Field{"text15", &hal::ProductInfo::text15}, Field{"text16", &hal::ProductInfo::text16},
-    Field{"text17", &hal::ProductInfo::text17}, Field{"text18", &hal::ProductInfo::text18},
-    Field{"text19", &hal::ProductInfo::text19}, Field{"text20", &hal::ProductInfo::text20},
-    Field{"text21", &hal::ProductInfo::text21}, Field{"flag1", &hal::ProductInfo::flag1},
-    Field{"flag2", &hal::ProductInfo::flag2}, Field{"flag3", &hal::ProductInfo::flag3},
-    Field{"useDHCP", &hal::ProductInfo::useDHCP});
+        Field{"text01", &hal::ProductInfo::text01}, Field{"modelId", &hal::ProductInfo::modelId},
+        Field{"text03", &hal::ProductInfo::text03}, Field{"text04", &hal::ProductInfo::text04},
+        Field{"text05", &hal::ProductInfo::text05}, Field{"text06", &hal::ProductInfo::text06},
+        Field{"text07", &hal::ProductInfo::text07}, Field{"text08", &hal::ProductInfo::text08},
+        Field{"text09", &hal::ProductInfo::text09}, Field{"text10", &hal::ProductInfo::text10},
+        Field{"text11", &hal::ProductInfo::text11}, Field{"text12", &hal::ProductInfo::text12},
+        Field{"text13", &hal::ProductInfo::text13}, Field{"text14", &hal::ProductInfo::text14},
+        Field{"text15", &hal::ProductInfo::text15}, Field{"text16", &hal::ProductInfo::text16},
+        Field{"text17", &hal::ProductInfo::text17}, Field{"text18", &hal::ProductInfo::text18},
+        Field{"text19", &hal::ProductInfo::text19}, Field{"text20", &hal::ProductInfo::text20},
+        Field{"text21", &hal::ProductInfo::text21}, Field{"flag1", &hal::ProductInfo::flag1},
+        Field{"flag2", &hal::ProductInfo::flag2}, Field{"flag3", &hal::ProductInfo::flag3},
+        Field{"useDHCP", &hal::ProductInfo::useDHCP});
 
 const auto kWatchDogCfgFields =
-    std::make_tuple(Field{"wdtDevice", &hal::WatchDogCfg::wdtDevice},
-                    Field{"wdt_timeout", &hal::WatchDogCfg::wdt_timeout},
-                    Field{"wdt_interval", &hal::WatchDogCfg::wdt_interval});
+        std::make_tuple(Field{"wdtDevice", &hal::WatchDogCfg::wdtDevice},
+                        Field{"wdt_timeout", &hal::WatchDogCfg::wdt_timeout},
+                        Field{"wdt_interval", &hal::WatchDogCfg::wdt_interval});
 
 const auto kProcessInfoFields = std::make_tuple(
-    Field{"name1", &hal::ProcessInfo::name1}, Field{"name2", &hal::ProcessInfo::name2},
-    Field{"name3", &hal::ProcessInfo::name3}, Field{"block", &hal::ProcessInfo::block},
-    Field{"value64", &hal::ProcessInfo::value64}, Field{"valueReal", &hal::ProcessInfo::valueReal},
-    Field{"value32", &hal::ProcessInfo::value32});
+        Field{"name1", &hal::ProcessInfo::name1}, Field{"name2", &hal::ProcessInfo::name2},
+        Field{"name3", &hal::ProcessInfo::name3}, Field{"block", &hal::ProcessInfo::block},
+        Field{"value64", &hal::ProcessInfo::value64},
+        Field{"valueReal", &hal::ProcessInfo::valueReal},
+        Field{"value32", &hal::ProcessInfo::value32});
 
 const auto kUsbListFields =
-    std::make_tuple(Field{"vid", &hal::UsbList::vid}, Field{"pid", &hal::UsbList::pid});
+        std::make_tuple(Field{"vid", &hal::UsbList::vid}, Field{"pid", &hal::UsbList::pid});
 
 const auto kCpuStatusFields = std::make_tuple(
-    Field{"usr", &hal::CpuStatus::usr}, Field{"nic", &hal::CpuStatus::nic},
-    Field{"sys", &hal::CpuStatus::sys}, Field{"idle", &hal::CpuStatus::idle},
-    Field{"iowait", &hal::CpuStatus::iowait}, Field{"irq", &hal::CpuStatus::irq},
-    Field{"softirq", &hal::CpuStatus::softirq}, Field{"temperature", &hal::CpuStatus::temperature});
+        Field{"usr", &hal::CpuStatus::usr}, Field{"nic", &hal::CpuStatus::nic},
+        Field{"sys", &hal::CpuStatus::sys}, Field{"idle", &hal::CpuStatus::idle},
+        Field{"iowait", &hal::CpuStatus::iowait}, Field{"irq", &hal::CpuStatus::irq},
+        Field{"softirq", &hal::CpuStatus::softirq},
+        Field{"temperature", &hal::CpuStatus::temperature});
 
 const auto kVeskLogInfoFields = std::make_tuple(
-    Field{"level", &hal::VeskLogInfo::level}, Field{"base", &hal::VeskLogInfo::base},
-    Field{"mode", &hal::VeskLogInfo::mode}, Field{"total_size", &hal::VeskLogInfo::total_size},
-    Field{"once_size", &hal::VeskLogInfo::once_size});
+        Field{"level", &hal::VeskLogInfo::level}, Field{"base", &hal::VeskLogInfo::base},
+        Field{"mode", &hal::VeskLogInfo::mode}, Field{"total_size", &hal::VeskLogInfo::total_size},
+        Field{"once_size", &hal::VeskLogInfo::once_size});
 
-const auto kVeskEffeResolutionFields = std::make_tuple(
-    Field{"width", &hal::VeskEffeResolution::width},
-    Field{"height", &hal::VeskEffeResolution::height}, Field{"fps", &hal::VeskEffeResolution::fps},
-    Field{"status", &hal::VeskEffeResolution::status});
+const auto kVeskEffeResolutionFields =
+        std::make_tuple(Field{"width", &hal::VeskEffeResolution::width},
+                        Field{"height", &hal::VeskEffeResolution::height},
+                        Field{"fps", &hal::VeskEffeResolution::fps},
+                        Field{"status", &hal::VeskEffeResolution::status});
 
 const auto kMessageParcelFields = std::make_tuple(Field{"what", &hal::MessageParcel::what},
                                                   Field{"message", &hal::MessageParcel::message},
@@ -145,8 +149,8 @@ Json readArgumentWord(const std::string& word) {
     Json value;
     try {
         // Only objects can repeat keys; the plain parser is several times faster.
-        value =
-            word.find('{') == std::string::npos ? Json::parse(word) : Json::parse(word, noteKeys);
+        value = word.find('{') == std::string::npos ? Json::parse(word)
+                                                    : Json::parse(word, noteKeys);
     } catch (const Json::exception& error) {
         throw ArgumentError("unreadable JSON " + describeValue(Json(word)) + ": " + error.what());
     }

@@ -102,9 +102,9 @@ template <typename T, std::enable_if_t<std::is_integral_v<T> && !std::is_same_v<
 void fromJson(const Json& in, T& out) {
     // Widening int8_t keeps its sign, as wanted here.
     constexpr long long min = static_cast<long long>(
-        std::numeric_limits<T>::min());  // NOLINT(bugprone-signed-char-misuse)
+            std::numeric_limits<T>::min());  // NOLINT(bugprone-signed-char-misuse)
     constexpr unsigned long long max =
-        static_cast<unsigned long long>(std::numeric_limits<T>::max());
+            static_cast<unsigned long long>(std::numeric_limits<T>::max());
     // The parser keeps non-negative integers unsigned and negative ones signed.
     if (in.is_number_unsigned()) {
         unsigned long long value = in.get<unsigned long long>();

@@ -27,6 +27,6 @@ std::string implLibraryPath();
 // Loads the library (it stays loaded for the life of the process, as in a passthrough host),
 // fetches one service object of that instance name and holds it by a strong pointer.
 ::android::sp<::vesk::hardware::veskdevicemanager::V1_0::IVeskDeviceManager> fetchDeviceManager(
-    const std::string& libraryPath, const char* instance = "default");
+        const std::string& libraryPath, const char* instance = "default");
 
 }  // namespace veskdm

@@ -11,7 +11,7 @@ namespace veskdm {
 class LocalDeviceCallback : public ::vesk::hardware::veskdevicemanager::V1_0::IVeskDeviceCallback {
   public:
     ::android::hardware::Return<void> hwNotify(
-        const ::vesk::hardware::veskdevicemanager::V1_0::MessageParcel& parcel) override;
+            const ::vesk::hardware::veskdevicemanager::V1_0::MessageParcel& parcel) override;
 };
 
 }  // namespace veskdm

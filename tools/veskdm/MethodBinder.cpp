@@ -46,8 +46,8 @@ void throwArgumentCount(const MethodBinder& binder, size_t given) {
     size_t expected = binder.parameters.size();
     std::string takes = expected == 0 ? "no arguments"
                         : expected == 1
-                            ? "1 argument " + binder.parameterList()
-                            : std::to_string(expected) + " arguments " + binder.parameterList();
+                                ? "1 argument " + binder.parameterList()
+                                : std::to_string(expected) + " arguments " + binder.parameterList();
     throw ArgumentError(binder.name + " takes " + takes + ", got " + std::to_string(given));
 }
 

@@ -176,7 +176,7 @@ class Binding {
         // Braced initialisation reads the arguments from left to right, so the first bad one
         // is the one reported.
         std::tuple<Input<I>...> values{
-            readArgument<Input<I>>(binder.name, words[I], I, binder.parameters[I])...};
+                readArgument<Input<I>>(binder.name, words[I], I, binder.parameters[I])...};
         return [method, values](IVeskDeviceManager& service) {
             static_cast<void>(values);  // an empty tuple for a method without arguments
             CallOutcome outcome;
@@ -219,6 +219,6 @@ MethodBinder bind(const char* name,
 #define VESKDM_BIND(METHOD, PARAMETER_NAMES, RESULT_NAMES)                  \
     ::veskdm::binding::bind<::veskdm::binding::countNames(PARAMETER_NAMES), \
                             ::veskdm::binding::countNames(RESULT_NAMES)>(   \
-        #METHOD, &::veskdm::IVeskDeviceManager::METHOD, PARAMETER_NAMES, RESULT_NAMES)
+            #METHOD, &::veskdm::IVeskDeviceManager::METHOD, PARAMETER_NAMES, RESULT_NAMES)
 
 }  // namespace veskdm

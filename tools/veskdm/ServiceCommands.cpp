@@ -102,10 +102,11 @@ void addServiceCommands(CLI::App& app) {
     static std::string method;
     auto* call = app.add_subcommand("call", "one call: METHOD [ARG...]");
     call->footer(
-        "Each ARG is a JSON value; a bare word that is not JSON is a string. Prints one line\n"
-        "{\"method\":NAME,\"return\":VALUE,\"callbacks\":[[ARG...]...]}. The implementation is\n"
-        "loaded from $VESK_IMPL_LIB, else ../lib/" +
-        std::string(kImplLibraryName) + " beside veskdm.");
+            "Each ARG is a JSON value; a bare word that is not JSON is a string. Prints one line\n"
+            "{\"method\":NAME,\"return\":VALUE,\"callbacks\":[[ARG...]...]}. The implementation "
+            "is\n"
+            "loaded from $VESK_IMPL_LIB, else ../lib/" +
+            std::string(kImplLibraryName) + " beside veskdm.");
     // Everything after METHOD is an argument, also words such as -1.
     call->prefix_command();
     call->add_option("METHOD", method, "method name (veskdm methods lists them)")->required();
@@ -117,9 +118,11 @@ void addServiceCommands(CLI::App& app) {
 
     auto* shell = app.add_subcommand("shell", "METHOD ARG... lines from stdin, on one object");
     shell->footer(
-        "One JSON line per call, as veskdm call prints it. Blank lines and # comments are\n"
-        "skipped; [...], {...}, \"...\" and '...' keep their blanks. A bad line is reported on\n"
-        "stderr and nothing is called for it; later lines still run, and the exit status is 2.");
+            "One JSON line per call, as veskdm call prints it. Blank lines and # comments are\n"
+            "skipped; [...], {...}, \"...\" and '...' keep their blanks. A bad line is reported "
+            "on\n"
+            "stderr and nothing is called for it; later lines still run, and the exit status is "
+            "2.");
     shell->callback([] {
         int status = runShell(std::cin);
         if (status != 0) throw ExitStatus(status);

@@ -51,37 +51,37 @@ uint32_t parsePositive(const std::string& text, const char* what) {
 
 void printText(const timing_t& t) {
     forEachTimingDumpLine(
-        t, [&](const char* format, auto value) { printf(format, t.name.c_str(), value); });
+            t, [&](const char* format, auto value) { printf(format, t.name.c_str(), value); });
 }
 
 void printJson(const timing_t& t) {
     // JSON has no infinity: the periods of a timing without a clock print as null.
     nlohmann::ordered_json json = {
-        {"name", t.name},
-        {"pix_clock", t.pix_clock},
-        {"h_total", t.h_total},
-        {"h_active", t.h_active},
-        {"h_blank", t.h_blank},
-        {"h_front_porch", t.h_front_porch},
-        {"h_sync", t.h_sync},
-        {"h_back_porch", t.h_back_porch},
-        {"h_sync_polarity", t.h_sync_polarity},
-        {"h_freq", t.h_freq},
-        {"h_period", t.h_period},
-        {"v_total", t.v_total},
-        {"v_active", t.v_active},
-        {"v_blank", t.v_blank},
-        {"vblank_duration", t.vblank_duration},
-        {"v_front_porch", t.v_front_porch},
-        {"v_sync", t.v_sync},
-        {"v_back_porch", t.v_back_porch},
-        {"v_sync_polarity", t.v_sync_polarity},
-        {"v_freq", t.v_freq},
-        {"v_period", t.v_period},
-        {"peak_bw", t.peak_bw},
-        {"line_bw", t.line_bw},
-        {"active_bw", t.active_bw},
-        {"aspect", t.aspect},
+            {"name", t.name},
+            {"pix_clock", t.pix_clock},
+            {"h_total", t.h_total},
+            {"h_active", t.h_active},
+            {"h_blank", t.h_blank},
+            {"h_front_porch", t.h_front_porch},
+            {"h_sync", t.h_sync},
+            {"h_back_porch", t.h_back_porch},
+            {"h_sync_polarity", t.h_sync_polarity},
+            {"h_freq", t.h_freq},
+            {"h_period", t.h_period},
+            {"v_total", t.v_total},
+            {"v_active", t.v_active},
+            {"v_blank", t.v_blank},
+            {"vblank_duration", t.vblank_duration},
+            {"v_front_porch", t.v_front_porch},
+            {"v_sync", t.v_sync},
+            {"v_back_porch", t.v_back_porch},
+            {"v_sync_polarity", t.v_sync_polarity},
+            {"v_freq", t.v_freq},
+            {"v_period", t.v_period},
+            {"peak_bw", t.peak_bw},
+            {"line_bw", t.line_bw},
+            {"active_bw", t.active_bw},
+            {"aspect", t.aspect},
     };
     printf("%s\n", json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
 }
@@ -168,7 +168,7 @@ void addTimingCommand(CLI::App& app) {
     timing->add_option("--bits", options.bits, "bits per component (8)");
     timing->add_option("--components", options.components, "components per pixel (3.0)");
     timing->add_option("--format", options.format, "text (default), json or modeline")
-        ->check(CLI::IsMember({"text", "json", "modeline"}));
+            ->check(CLI::IsMember({"text", "json", "modeline"}));
     auto* maxRefresh = timing->add_option("--max-refresh", options.maxRefreshClock,
                                           "highest refresh under CLOCK MHz, less 5");
     auto* maxWidth = timing->add_option("--max-width", options.maxWidthClock,

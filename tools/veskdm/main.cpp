@@ -51,8 +51,7 @@ int main(int argc, char** argv) {
     app.add_option("--log", options.log, "append the log as JSON lines to FILE");
     app.add_option("--board-journal", options.boardJournal,
                    "append one JSON line per board call to FILE");
-    app.add_option("--board-script", options.boardScript,
-                   "JSON file of scripted board results");
+    app.add_option("--board-script", options.boardScript, "JSON file of scripted board results");
     app.parse_complete_callback([&] { applyGlobalOptions(options, root->count() > 0); });
 
     veskdm::addPropCommand(app);

@@ -37,13 +37,13 @@ int bi_info_set_product_info(const char* useDhcp);
 int bi_info_get_protocol_type(void);
 
 /* Serial channels: open, close, blocking read, non-blocking read, write. */
-#define VESKSDK_SERIAL_FUNCTIONS(prefix)                                                      \
+#define VESKSDK_SERIAL_FUNCTIONS(prefix)                                                        \
     int bi_serial_##prefix##_open(int baudrate, unsigned char databits, unsigned char stopbits, \
-                                  signed char parity);                                       \
-    int bi_serial_##prefix##_close(void);                                                     \
-    int bi_serial_##prefix##_blocking_read(unsigned char* buffer, unsigned int capacity,      \
-                                           unsigned int timeoutMs);                          \
-    int bi_serial_##prefix##_nonblocking_read(unsigned char* buffer, unsigned int capacity);  \
+                                  signed char parity);                                          \
+    int bi_serial_##prefix##_close(void);                                                       \
+    int bi_serial_##prefix##_blocking_read(unsigned char* buffer, unsigned int capacity,        \
+                                           unsigned int timeoutMs);                             \
+    int bi_serial_##prefix##_nonblocking_read(unsigned char* buffer, unsigned int capacity);    \
     int bi_serial_##prefix##_write(const unsigned char* data, unsigned int count);
 VESKSDK_SERIAL_FUNCTIONS(485)
 VESKSDK_SERIAL_FUNCTIONS(485_2)
@@ -77,8 +77,7 @@ int bi_block_write_defined(unsigned int offset, const unsigned char* data, unsig
 int bi_block_read_defined(unsigned int offset, unsigned char* buffer, unsigned int length);
 int bi_block_write_screen(unsigned int offset, const unsigned char* data, unsigned int count);
 int bi_block_read_screen(unsigned int offset, unsigned char* buffer, unsigned int length);
-int bi_block_write_fpga_program(unsigned int offset, const unsigned char* data,
-                                unsigned int length);
+int bi_block_write_fpga_program(unsigned int offset, const unsigned char* data, unsigned int length);
 int bi_block_read_fpga_program(unsigned int offset, unsigned char* buffer, unsigned int length);
 int bi_block_write_data(const char* path, unsigned int offset, const unsigned char* data,
                         unsigned int count);
@@ -150,8 +149,7 @@ int bi_resolution_calculate_parameters(unsigned int width, unsigned int height, 
                                        void* result);
 int bi_resolution_get_parameters(void* result);
 int bi_resolution_get_edid_from_defined(unsigned char index, unsigned short width,
-                                        unsigned short height, unsigned char* edid,
-                                        float refresh);
+                                        unsigned short height, unsigned char* edid, float refresh);
 int bi_resolution_get_edid_by_model(unsigned short width, unsigned short height,
                                     unsigned char* edid, float refresh);
 int bi_resolution_get_prefferred_timing_by_edid(const unsigned char* edid, void* result);

@@ -22,8 +22,8 @@ namespace vesk::host {
 namespace {
 
 std::mutex gRootMutex;
-std::string gRoot;                  // guarded by gRootMutex; empty until first resolved
-std::set<std::string> gPrepared;    // roots whose layout this process has checked
+std::string gRoot;                     // guarded by gRootMutex; empty until first resolved
+std::set<std::string> gPrepared;       // roots whose layout this process has checked
 std::atomic<uint64_t> gGeneration{1};  // bumped by each setDeviceRoot()
 
 std::string resolveDefaultRoot() {
@@ -39,11 +39,13 @@ std::string resolveDefaultRoot() {
 // keeps the mode it was asked for where the display driver would show it.
 std::string standInScript(const std::string& devicePathOfTool, const std::string& extra) {
     return "#!/bin/sh\n"
-           "# Host stand-in for " + devicePathOfTool + ": records how it was invoked.\n"
+           "# Host stand-in for " +
+           devicePathOfTool +
+           ": records how it was invoked.\n"
            "root=$(cd \"$(dirname \"$0\")/../..\" && pwd)\n"
            "mkdir -p \"$root/data/shell\"\n"
-           "printf '%s\\n' \"" + devicePathOfTool + " $*\" >> \"$root" + kShellLog + "\"\n" +
-           extra + "exit 0\n";
+           "printf '%s\\n' \"" +
+           devicePathOfTool + " $*\" >> \"$root" + kShellLog + "\"\n" + extra + "exit 0\n";
 }
 
 void prepareLayout(const std::string& root) {

@@ -19,7 +19,7 @@ namespace vesk::host {
 namespace {
 
 std::mutex gMutex;
-FILE* gJsonFile = nullptr;  // guarded by gMutex
+FILE* gJsonFile = nullptr;       // guarded by gMutex
 std::vector<LogLine> gCaptured;  // guarded by gMutex
 
 char priorityLetter(int priority) {
@@ -28,9 +28,9 @@ char priorityLetter(int priority) {
 }
 
 void stderrLogger(const __android_logger_data* data, const char* message) {
-    timeval now {};
+    timeval now{};
     gettimeofday(&now, nullptr);
-    tm local {};
+    tm local{};
     localtime_r(&now.tv_sec, &local);
     char stamp[32];
     strftime(stamp, sizeof(stamp), "%m-%d %H:%M:%S", &local);

@@ -29,7 +29,7 @@ namespace {
 constexpr uint32_t kMagic = 0x56455350;  // "VESP"
 constexpr uint32_t kVersion = 1;
 constexpr uint32_t kSlotCount = 2048;
-constexpr size_t kNameMax = 256;  // name bytes, terminator included
+constexpr size_t kNameMax = 256;    // name bytes, terminator included
 constexpr size_t kValueWords = 12;  // 96 bytes: PROPERTY_VALUE_MAX rounded up to whole words
 static_assert(kValueWords * 8 >= PROPERTY_VALUE_MAX);
 
@@ -151,8 +151,7 @@ void storeWords(Slot* slot, const char* value, size_t length) {
 }
 
 // A free slot is filled completely, then published; readers never look inside a free slot.
-void publishSlot(Slot* slot, const char* name, size_t nameLength, const char* value,
-                 size_t length) {
+void publishSlot(Slot* slot, const char* name, size_t nameLength, const char* value, size_t length) {
     std::memcpy(slot->name, name, nameLength);
     slot->name[nameLength] = '\0';
     slot->nameLength = static_cast<uint32_t>(nameLength);

@@ -116,8 +116,8 @@ bool parseEntry(const BoardFunction& function, const json& value, ScriptEntry& e
                 if (!parseHex(member, bytes, at, error)) return false;
                 if (function.capacity != 0 && bytes.size() > function.capacity) {
                     return fail(error, at + " has " + std::to_string(bytes.size()) +
-                                           " bytes, more than the buffer's " +
-                                           std::to_string(function.capacity));
+                                               " bytes, more than the buffer's " +
+                                               std::to_string(function.capacity));
                 }
                 entry.out = std::move(bytes);
             }

@@ -102,11 +102,21 @@ static_assert(sizeof(hidl_string) == 16 && alignof(hidl_string) == 8);
 inline bool operator==(const hidl_string& a, const hidl_string& b) {
     return a.size() == b.size() && memcmp(a.c_str(), b.c_str(), a.size()) == 0;
 }
-inline bool operator!=(const hidl_string& a, const hidl_string& b) { return !(a == b); }
-inline bool operator==(const hidl_string& a, const char* b) { return strcmp(a.c_str(), b) == 0; }
-inline bool operator!=(const hidl_string& a, const char* b) { return !(a == b); }
-inline bool operator==(const hidl_string& a, const std::string& b) { return a == hidl_string(b); }
-inline bool operator!=(const hidl_string& a, const std::string& b) { return !(a == b); }
+inline bool operator!=(const hidl_string& a, const hidl_string& b) {
+    return !(a == b);
+}
+inline bool operator==(const hidl_string& a, const char* b) {
+    return strcmp(a.c_str(), b) == 0;
+}
+inline bool operator!=(const hidl_string& a, const char* b) {
+    return !(a == b);
+}
+inline bool operator==(const hidl_string& a, const std::string& b) {
+    return a == hidl_string(b);
+}
+inline bool operator!=(const hidl_string& a, const std::string& b) {
+    return !(a == b);
+}
 
 template <typename T>
 class hidl_vec {

@@ -54,7 +54,7 @@ class Return : public details::return_status {
   public:
     Return(T value) : mValue(std::move(value)) {}  // NOLINT: implicit, as on the device
     Return(Status status) : details::return_status(std::move(status)), mValue() {}  // NOLINT
-    operator T() const { return mValue; }  // NOLINT
+    operator T() const { return mValue; }                                           // NOLINT
     T withDefault(T defaultValue) const { return isOk() ? mValue : defaultValue; }
 
   private:
