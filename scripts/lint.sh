@@ -1,0 +1,19 @@
+#!/usr/bin/env bash
+# Style and static checks:
+#   scripts/lint.sh          every C/C++ file is as clang-format (.clang-format) writes it
+#   scripts/lint.sh --tidy   and clang-tidy (.clang-tidy) finds nothing in the service, the host
+#                            stand-ins, the simulated board and the tool (needs build/default)
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+mapfile -t sources < <(git ls-files '*.c' '*.cpp' '*.h')
+echo "clang-format: ${#sources[@]} files"
+clang-format --dry-run -Werror "${sources[@]}"
+
+if [ "${1:-}" = "--tidy" ]; then
+    mapfile -t units < <(git ls-files 'default/*.cpp' 'host/*.cpp' 'vesksdk/*.cpp' 'tools/*.cpp')
+    echo "clang-tidy: ${#units[@]} files"
+    printf '%s\n' "${units[@]}" |
+        xargs -P "$(nproc)" -n 4 clang-tidy --quiet --warnings-as-errors='*' -p build/default
+fi
+echo "lint: clean"
