@@ -1,6 +1,7 @@
 // The host log sink: capture, JSON lines, discarding and every priority enabled.
 #include <android/log.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <nlohmann/json.hpp>
 
@@ -46,8 +47,21 @@ TEST_F(LogSinkTest, DiscardKeepsNoLineAndPrintsNone) {
     vesk::host::startLogCapture();
 }
 
-TEST_F(LogSinkTest, JsonFileThatCannotBeOpenedIsRefused) {
+TEST_F(LogSinkTest, JsonFileIsMadeAtTheFirstLine) {
+    std::string path = root.path() + "/later.json";
+    ASSERT_TRUE(vesk::host::logToJsonFile(path));
+    struct stat st;
+    EXPECT_NE(0, stat(path.c_str(), &st));
+    __android_log_print(ANDROID_LOG_WARN, "tag", "first");
+    ASSERT_EQ(0, stat(path.c_str(), &st));
+    EXPECT_EQ(nlohmann::json({{"priority", 5}, {"tag", "tag"}, {"message", "first"}}),
+              nlohmann::json::parse(readFile(path)));
+}
+
+TEST_F(LogSinkTest, JsonFileThatCannotBeMadeOrAppendedToIsRefused) {
     EXPECT_FALSE(vesk::host::logToJsonFile(root.path() + "/no/such/dir/log.json"));
+    EXPECT_FALSE(vesk::host::logToJsonFile(root.path()));  // a directory
+    vesk::host::startLogCapture();
 }
 
 }  // namespace

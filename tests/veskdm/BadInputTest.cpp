@@ -1,7 +1,7 @@
 // Every kind of bad input to veskdm, for every kind of argument the interface has, run against
 // the real implementation library on the simulated board: exit status 2, exactly one line on
-// stderr, nothing on stdout, no board call (the journal is never created) and the device root
-// left byte for byte as it was.
+// stderr, nothing on stdout, no board call (the journal is never created), no log file and the
+// device root left byte for byte as it was.
 #include <dirent.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -19,8 +19,9 @@ using ::testing::StartsWith;
 
 struct BadInput {
     const char* name;
-    // "{root}", "{journal}", "{file}" and "{dir}" are replaced by the test's paths. Without a
-    // --root of their own, the words follow --root {root} --board-journal {journal}.
+    // "{root}", "{journal}", "{log}", "{file}" and "{dir}" are replaced by the test's paths.
+    // Without a --root of their own, the words follow
+    // --root {root} --board-journal {journal} --log {log}.
     std::vector<std::string> args;
     const char* message;  // part of the one line on stderr
     const char* input = "";
@@ -65,6 +66,7 @@ class BadInputTest : public ::testing::TestWithParam<BadInput> {
         std::string out = word;
         const std::pair<std::string, std::string> names[] = {{"{root}", root.path()},
                                                              {"{journal}", work + "/journal.jsonl"},
+                                                             {"{log}", work + "/log.jsonl"},
                                                              {"{file}", work + "/file"},
                                                              {"{dir}", work + "/dir"}};
         for (const auto& [key, value] : names) {
@@ -78,7 +80,8 @@ class BadInputTest : public ::testing::TestWithParam<BadInput> {
         std::vector<std::string> args = bad.args;
         bool ownRoot = std::find(args.begin(), args.end(), "--root") != args.end();
         if (!ownRoot)
-            args.insert(args.begin(), {"--root", "{root}", "--board-journal", "{journal}"});
+            args.insert(args.begin(),
+                        {"--root", "{root}", "--board-journal", "{journal}", "--log", "{log}"});
         vesk::test::writeFile(work + "/stdin", bad.input);
         std::string command =
                 "VESK_IMPL_LIB= VESK_BOARD_SCRIPT= VESK_BOARD_JOURNAL= " VESK_BINARY_DIR
@@ -110,6 +113,8 @@ TEST_P(BadInputTest, StatusTwoOneLineNothingCalledNothingWritten) {
     // No board call: the journal was never opened, so it does not exist.
     struct stat st;
     EXPECT_NE(0, stat((work + "/journal.jsonl").c_str(), &st));
+    // Nothing logged either: the log file is made at the first line.
+    EXPECT_NE(0, stat((work + "/log.jsonl").c_str(), &st));
     std::map<std::string, std::string> after;
     snapshot(root.path(), after);
     EXPECT_EQ(before, after);
@@ -232,6 +237,31 @@ INSTANTIATE_TEST_SUITE_P(Veskdm, BadInputTest, ::testing::ValuesIn(kBadInputs),
                          [](const ::testing::TestParamInfo<BadInput>& info) {
                              return std::string(info.param.name);
                          });
+
+// A script the board would refuse at its first call is refused before the library is loaded,
+// with the board's own reason.
+TEST_F(BadInputTest, ScriptWithBadHexOrAnUnknownFunction) {
+    const std::pair<const char*, const char*> kScripts[] = {
+            {R"({"bi_sysled_get_state": {"return": 1, "out": "zz"}})",
+             "bi_sysled_get_state.out: bi_sysled_get_state has no output buffer"},
+            {R"({"bi_info_get_product_info": {"out": "0g"}})",
+             "bi_info_get_product_info.out is not hex: \"0g\""},
+            {R"({"bi_no_such_function": {}})", "bi_no_such_function: no such board function"},
+            {R"({"bi_sysled_get_state": [{"return": 1}, {"return": 1.5}]})",
+             "bi_sysled_get_state[1].return must be an int"}};
+    for (const auto& [script, reason] : kScripts) {
+        vesk::test::writeFile(work + "/script.json", script);
+        Outcome outcome = run({"Script",
+                               {"--root", "{root}", "--board-script", "{dir}/../script.json",
+                                "call", "getSysLedState"},
+                               ""});
+        EXPECT_EQ(2, outcome.status) << script;
+        EXPECT_EQ(std::vector<std::string>{"veskdm: board script " + work +
+                                           "/dir/../script.json: " + reason},
+                  outcome.errLines());
+        EXPECT_EQ("", outcome.out);
+    }
+}
 
 // A script whose entries are not objects is refused before the library is loaded.
 TEST_F(BadInputTest, ScriptWithAnEntryThatIsNotAnObject) {

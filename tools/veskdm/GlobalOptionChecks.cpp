@@ -10,6 +10,7 @@
 #include <sstream>
 
 #include "Commands.h"
+#include "vesk/sim/ScriptCheck.h"
 
 namespace veskdm {
 
@@ -73,17 +74,9 @@ void checkScriptFile(const std::string& path) {
     text << in.rdbuf();
     nlohmann::json script = nlohmann::json::parse(text.str(), nullptr, false);
     if (script.is_discarded()) throw UsageError("board script " + path + ": unreadable JSON");
-    if (!script.is_object()) throw UsageError("board script " + path + ": not a JSON object");
-    for (const auto& [function, value] : script.items()) {
-        bool entries = value.is_object();
-        if (value.is_array()) {
-            entries = true;
-            for (const auto& entry : value) entries = entries && entry.is_object();
-        }
-        if (!entries) {
-            throw UsageError("board script " + path + ": " + function +
-                             " must be an object or a list of objects");
-        }
+    std::string reason;
+    if (!vesk::sim::checkScript(script, &reason)) {
+        throw UsageError("board script " + path + ": " + reason);
     }
 }
 

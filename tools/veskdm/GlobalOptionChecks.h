@@ -13,9 +13,8 @@ void checkRootPath(const std::string& root);
 // A board journal the board can append to (an existing file, or a new one in an existing
 // directory); nothing is created. Throws UsageError otherwise.
 void checkJournalPath(const std::string& path);
-// A board script that can be read and holds a JSON object whose values are objects or lists
-// of objects, as the simulated board takes it (it checks the entries themselves). Throws
-// UsageError otherwise.
+// A board script that can be read and that the simulated board takes (known functions, results
+// of the right kind, "out" bytes in hex that fit the buffer). Throws UsageError otherwise.
 void checkScriptFile(const std::string& path);
 
 }  // namespace veskdm

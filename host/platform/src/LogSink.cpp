@@ -6,7 +6,9 @@
 #include "vesk/host/LogSink.h"
 
 #include <android/log.h>
+#include <errno.h>
 #include <stdio.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/time.h>
 #include <time.h>
@@ -19,7 +21,8 @@ namespace vesk::host {
 namespace {
 
 std::mutex gMutex;
-FILE* gJsonFile = nullptr;       // guarded by gMutex
+std::string gJsonPath;           // guarded by gMutex
+FILE* gJsonFile = nullptr;       // guarded by gMutex; opened at the first line
 std::vector<LogLine> gCaptured;  // guarded by gMutex
 
 char priorityLetter(int priority) {
@@ -49,10 +52,24 @@ void jsonLogger(const __android_logger_data* data, const char* message) {
     // Log messages are not always valid UTF-8; replace what is not rather than throw.
     std::string text = line.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
     std::lock_guard<std::mutex> lock(gMutex);
-    if (gJsonFile != nullptr) {
-        fprintf(gJsonFile, "%s\n", text.c_str());
-        fflush(gJsonFile);
-    }
+    if (gJsonFile == nullptr) gJsonFile = fopen(gJsonPath.c_str(), "ae");
+    // Checked when chosen; should it have gone since, the line goes to stderr, not nowhere.
+    FILE* out = gJsonFile != nullptr ? gJsonFile : stderr;
+    fprintf(out, "%s\n", text.c_str());
+    fflush(out);
+}
+
+// An existing file that is not a directory and can be written, or a new name in a directory
+// that can be written.
+bool canAppendTo(const std::string& path) {
+    struct stat st {};
+    if (stat(path.c_str(), &st) == 0)
+        return !S_ISDIR(st.st_mode) && access(path.c_str(), W_OK) == 0;
+    if (errno != ENOENT) return false;
+    std::string::size_type slash = path.rfind('/');
+    std::string dir = slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
+    return stat(dir.c_str(), &st) == 0 && S_ISDIR(st.st_mode) &&
+           access(dir.c_str(), W_OK | X_OK) == 0;
 }
 
 void captureLogger(const __android_logger_data* data, const char* message) {
@@ -74,12 +91,12 @@ void logToStderr() {
 }
 
 bool logToJsonFile(const std::string& path) {
-    FILE* file = fopen(path.c_str(), "ae");
-    if (file == nullptr) return false;
+    if (!canAppendTo(path)) return false;
     {
         std::lock_guard<std::mutex> lock(gMutex);
         if (gJsonFile != nullptr) fclose(gJsonFile);
-        gJsonFile = file;
+        gJsonFile = nullptr;
+        gJsonPath = path;
     }
     __android_log_set_logger(jsonLogger);
     return true;

@@ -17,8 +17,9 @@ struct LogLine {
 
 // logcat-style lines on stderr (the default).
 void logToStderr();
-// One JSON object per line, {"priority":3,"tag":"...","message":"..."}; false if the file
-// cannot be opened for appending.
+// One JSON object per line, {"priority":3,"tag":"...","message":"..."}, appended to a file
+// that is made at the first line (a run that logs nothing leaves no file); false if it could
+// not be appended to or made.
 bool logToJsonFile(const std::string& path);
 // Keeps every line in memory (tests); replaces the other sinks until logToStderr().
 void startLogCapture();
