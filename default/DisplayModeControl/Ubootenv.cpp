@@ -154,10 +154,10 @@ const char* Ubootenv::deviceName() const {
     return hasExplicitDevice ? explicitDevice.c_str() : devicePath;
 }
 
-std::string Ubootenv::hostPath() const {
-    if (hasExplicitDevice) return explicitDevice;
-    if (devicePath[0] == '\0') return std::string();
-    return vesk::platform::devicePath(devicePath);
+// A device named by the caller is opened as named; the board's own through the platform.
+int Ubootenv::openPartition(int flags) const {
+    if (hasExplicitDevice) return open(explicitDevice.c_str(), flags | O_CLOEXEC);
+    return vesk::platform::openDevice(devicePath, flags);
 }
 
 void Ubootenv::freeImage() {
@@ -213,7 +213,7 @@ int Ubootenv::init() {
             }
         }
         if (chosen == kMtdDevice) {
-            int fd = open(hostPath().c_str(), O_RDWR | O_CLOEXEC);
+            int fd = openPartition(O_RDWR);
             if (fd < 0) {
                 ENV_LOGE("[ubootenv] open device(%s) error\n", devicePath);
                 return -2;
@@ -255,7 +255,7 @@ int Ubootenv::init() {
 }
 
 int Ubootenv::readPartitionData() {
-    int fd = open(hostPath().c_str(), O_RDONLY | O_CLOEXEC);
+    int fd = openPartition(O_RDONLY);
     if (fd < 0) {
         ENV_LOGE("[ubootenv] open devices error: %s\n", strerror(errno));
         return -1;
@@ -551,7 +551,7 @@ int Ubootenv::save() {
     if (formatAttribute() < 0) return -8;
     *crcWord = dataCrc(data, dataSize);
 
-    int fd = open(hostPath().c_str(), O_RDWR | O_CLOEXEC);
+    int fd = openPartition(O_RDWR);
     if (fd < 0) {
         ENV_LOGE("[ubootenv] open devices error\n");
         return -1;

@@ -79,9 +79,9 @@ class Ubootenv {
     bool initDone;
 
   private:
-    // The device as named in log lines and for the MTD test, and where it is opened.
+    // The device as named in log lines and for the MTD test, and opening it (close-on-exec).
     const char* deviceName() const;
-    std::string hostPath() const;
+    int openPartition(int flags) const;
     // Bytes the formatted list needs in the data area (end mark included), with `key` set to
     // `value` when `key` is given.
     size_t formattedSize(const char* key, const char* value) const;

@@ -1,6 +1,7 @@
 /*
  * The platform seams on the device: the real shell, paths and ioctls.
  */
+#include <fcntl.h>
 #include <stdlib.h>
 #include <sys/ioctl.h>
 
@@ -14,6 +15,10 @@ int runCommand(const char* commandLine) {
 
 std::string devicePath(const char* path) {
     return path;
+}
+
+int openDevice(const char* path, int flags, mode_t mode) {
+    return ::open(path, flags | O_CLOEXEC, mode);
 }
 
 int mtdGetInfo(int fd, mtd_info_user* info) {

@@ -10,6 +10,9 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <mutex>
 #include <set>
 #include <vector>
@@ -17,6 +20,7 @@
 #include "FactoryEnvironment.h"
 #include "HostFiles.h"
 #include "HostInternal.h"
+#include "vesk/host/RootFiles.h"
 
 namespace vesk::host {
 namespace {
@@ -35,40 +39,55 @@ std::string resolveDefaultRoot() {
     return std::string(home != nullptr ? home : "/tmp") + "/.local/state/veskdm/root";
 }
 
-// A stand-in tool records each invocation in the shell log below the root; the mode tool also
-// keeps the mode it was asked for where the display driver would show it.
-std::string standInScript(const std::string& devicePathOfTool, const std::string& extra) {
+// The stand-in tools only succeed: the host's shell runner records each invocation (and the mode
+// asked of the mode tool) below the root itself, so that no planted link can redirect it.
+std::string standInScript(const std::string& devicePathOfTool) {
     return "#!/bin/sh\n"
            "# Host stand-in for " +
            devicePathOfTool +
-           ": records how it was invoked.\n"
-           "root=$(cd \"$(dirname \"$0\")/../..\" && pwd)\n"
-           "mkdir -p \"$root/data/shell\"\n"
-           "printf '%s\\n' \"" +
-           devicePathOfTool + " $*\" >> \"$root" + kShellLog + "\"\n" + extra + "exit 0\n";
+           ": the shell runner of the host platform records how it was invoked.\n"
+           "exit 0\n";
+}
+
+// Earlier stand-ins recorded their own invocations through the shell; they are replaced.
+bool isOlderStandIn(const std::string& root, const std::string& path, const std::string& current) {
+    int fd = openBelowRoot(root, path, O_RDONLY | O_NONBLOCK);
+    if (fd < 0) return false;
+    char buffer[4096];
+    ssize_t n = read(fd, buffer, sizeof(buffer));
+    close(fd);
+    if (n <= 0) return false;
+    std::string content(buffer, static_cast<size_t>(n));
+    return content != current && content.rfind("#!/bin/sh\n# Host stand-in for ", 0) == 0;
+}
+
+void reportLayoutError(const std::string& root, const char* path) {
+    fprintf(stderr, "veskplatform: cannot prepare %s%s: %s\n", root.c_str(), path, strerror(errno));
 }
 
 void prepareLayout(const std::string& root) {
     makeDirectories(root);
     // Serialises the first use of one root by several processes.
-    int lockFd = open((root + "/.layout.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+    int lockFd = openBelowRoot(root, "/.layout.lock", O_RDWR | O_CREAT, 0644);
     if (lockFd >= 0) flock(lockFd, LOCK_EX);
     for (const char* dir : {"/dev/block", "/vendor/bin", "/system/bin", "/data/property",
                             "/data/vesksdk", "/data/shell", "/sys/class/display"}) {
-        makeDirectories(root + dir);
+        if (!makeDirectoriesBelowRoot(root, dir)) reportLayoutError(root, dir);
     }
-    const std::string modeExtra =
-            "printf '%s\\n' \"$1\" > \"$root" + std::string(kDisplayMode) + "\"\n";
-    const std::vector<std::pair<std::string, std::string>> tools = {
-            {"/vendor/bin/hdmimode", standInScript("/vendor/bin/hdmimode", modeExtra)},
-            {"/system/bin/test-systemcontrol", standInScript("/system/bin/test-systemcontrol", "")},
-            {"/system/bin/reboot", standInScript("/system/bin/reboot", "")},
-    };
-    for (const auto& [path, script] : tools) {
-        if (!fileExists(root + path)) writeFileAtomically(root + path, script, 0755);
+    for (const char* path : kStandInTools) {
+        std::string script = standInScript(path);
+        if (!existsBelowRoot(root, path) || isOlderStandIn(root, path, script)) {
+            if (!replaceFileBelowRoot(root, path, script, 0755)) reportLayoutError(root, path);
+        }
     }
-    if (!fileExists(root + kEnvPartition)) {
-        writeFileAtomically(root + kEnvPartition, factoryEnvironmentImage(), 0644);
+    if (!existsBelowRoot(root, kEnvPartition) &&
+        !replaceFileBelowRoot(root, kEnvPartition, factoryEnvironmentImage(), 0644)) {
+        reportLayoutError(root, kEnvPartition);
+    }
+    if (!existsBelowRoot(root, kPropertyStore)) {
+        int store = openBelowRoot(root, kPropertyStore, O_RDWR | O_CREAT, 0644);
+        if (store < 0) reportLayoutError(root, kPropertyStore);
+        if (store >= 0) close(store);
     }
     if (lockFd >= 0) close(lockFd);
 }
@@ -79,24 +98,53 @@ uint64_t rootGeneration() {
     return gGeneration.load(std::memory_order_acquire);
 }
 
-std::string deviceRoot() {
-    std::lock_guard<std::mutex> lock(gRootMutex);
+namespace {
+
+// The caller holds gRootMutex.
+void resolveRoot() {
     if (gRoot.empty()) {
         gRoot = resolveDefaultRoot();
         setenv("VESK_ROOT", gRoot.c_str(), 1);
     }
+}
+
+}  // namespace
+
+std::string deviceRoot() {
+    std::lock_guard<std::mutex> lock(gRootMutex);
+    resolveRoot();
     if (gPrepared.insert(gRoot).second) prepareLayout(gRoot);
     return gRoot;
 }
 
-void setDeviceRoot(const std::string& root) {
+std::string existingDeviceRoot() {
+    std::lock_guard<std::mutex> lock(gRootMutex);
+    resolveRoot();
+    struct stat st {};
+    if (stat(gRoot.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) return std::string();
+    return gRoot;
+}
+
+void setDeviceRoot(const std::string& root, bool prepare) {
     {
         std::lock_guard<std::mutex> lock(gRootMutex);
         gRoot = root;
         setenv("VESK_ROOT", root.c_str(), 1);
         gGeneration.fetch_add(1, std::memory_order_release);
     }
-    deviceRoot();
+    if (prepare) deviceRoot();
+}
+
+bool recordStandInInvocation(const std::string& root, const std::string& tool,
+                             const std::vector<std::string>& args) {
+    std::string line = tool + " ";
+    for (size_t i = 0; i < args.size(); ++i) line += (i > 0 ? " " : "") + args[i];
+    if (!appendToFileBelowRoot(root, kShellLog, line + "\n")) return false;
+    if (tool == "/vendor/bin/hdmimode") {
+        // The mode tool leaves the mode it was asked for where the display driver shows it.
+        return replaceFileBelowRoot(root, kDisplayMode, (args.empty() ? "" : args[0]) + "\n", 0644);
+    }
+    return true;
 }
 
 std::string pathBelowRoot(const std::string& root, const std::string& devicePath) {

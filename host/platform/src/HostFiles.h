@@ -9,10 +9,8 @@
 
 namespace vesk::host {
 
-bool fileExists(const std::string& path);
-// mkdir -p; true when the directory exists afterwards.
+// mkdir -p of the root directory itself (its own path may hold links); true when it exists
+// afterwards. Everything below the root is made through RootFiles.h.
 bool makeDirectories(const std::string& path);
-// Writes to a temporary file beside `path`, then renames it into place.
-bool writeFileAtomically(const std::string& path, const std::string& content, mode_t mode);
 
 }  // namespace vesk::host

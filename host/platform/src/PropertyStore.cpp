@@ -4,12 +4,19 @@
  *
  * The store is one file mapped shared into every process that uses the root, laid out like
  * bionic's property area: a fixed open-addressing table of slots. A slot's name is written once,
- * before the slot is published; its value is guarded by a sequence counter, so readers never
- * lock and never make a system call, and a value set by one process is what the very next read
- * in any other process sees. Writers serialise with a mutex (threads) and flock (processes).
+ * before the slot is published. Its value has two buffers and a serial: bit 1 of the serial names
+ * the buffer that holds the published value, and a writer fills the other one before it publishes
+ * the new serial with one store. A writer killed at any instruction therefore leaves the last
+ * complete value in place, and readers, who never lock and never make a system call, retry only
+ * when a write completed while they copied (a bounded number of times). A value set by one
+ * process is what the very next read in any other process sees. Writers serialise with a mutex
+ * (threads) and flock (processes). A file that is not a store of this layout is started afresh,
+ * and every slot is checked before it is trusted, so that a damaged file never crashes a reader.
  */
 #include <cutils/properties.h>
+#include <errno.h>
 #include <fcntl.h>
+#include <stdio.h>
 #include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -23,21 +30,23 @@
 
 #include "HostInternal.h"
 #include "vesk/host/DeviceRoot.h"
+#include "vesk/host/Properties.h"
+#include "vesk/host/RootFiles.h"
 
 namespace {
 
 constexpr uint32_t kMagic = 0x56455350;  // "VESP"
-constexpr uint32_t kVersion = 1;
+constexpr uint32_t kVersion = 2;
 constexpr uint32_t kSlotCount = 2048;
 constexpr size_t kNameMax = 256;    // name bytes, terminator included
 constexpr size_t kValueWords = 12;  // 96 bytes: PROPERTY_VALUE_MAX rounded up to whole words
 static_assert(kValueWords * 8 >= PROPERTY_VALUE_MAX);
 
 struct Slot {
-    uint32_t serial;  // 0: free; odd: value being written; even: published
+    uint32_t serial;  // 0: free; else published, bit 1 naming the value buffer in use
     uint32_t nameLength;
     char name[kNameMax];
-    uint64_t value[kValueWords];
+    uint64_t value[2][kValueWords];
 };
 
 struct Area {
@@ -55,9 +64,17 @@ struct Store {
     int fd = -1;
 };
 
+// Reads that saw a write complete this often in a row give up and report the property unset.
+constexpr int kReadTries = 1000;
+
 std::mutex gWriteMutex;
 std::mutex gOpenMutex;
 std::atomic<Store*> gStore{nullptr};
+std::atomic<vesk::host::PropertyWriteHook> gWriteHook{nullptr};
+
+void writeStep(int step) {
+    if (vesk::host::PropertyWriteHook hook = gWriteHook.load(std::memory_order_relaxed)) hook(step);
+}
 
 uint32_t loadAcquire(const uint32_t* p) {
     return __atomic_load_n(p, __ATOMIC_ACQUIRE);
@@ -71,15 +88,50 @@ uint32_t hashName(const char* name, size_t length) {
     return hash;
 }
 
-Store* openStore(uint64_t generation, const std::string& root) {
+// Once per root: a reader retries the store at each read and must not repeat itself.
+std::atomic<uint64_t> gReportedGeneration{0};
+
+void reportStore(const std::string& root, const char* what) {
+    uint64_t generation = vesk::host::rootGeneration();
+    if (gReportedGeneration.exchange(generation) == generation) return;
+    fprintf(stderr, "veskplatform: property store %s%s %s: %s\n", root.c_str(),
+            vesk::host::kPropertyStore, what, strerror(errno));
+}
+
+bool validHeader(const Area* area) {
+    return area->magic == kMagic && area->version == kVersion && area->slotCount == kSlotCount;
+}
+
+bool allZero(const void* bytes, size_t size) {
+    const auto* p = static_cast<const unsigned char*>(bytes);
+    for (size_t i = 0; i < size; ++i) {
+        if (p[i] != 0) return false;
+    }
+    return true;
+}
+
+// Maps the store of `root`; with `create`, the file is made when missing. A store that cannot be
+// opened or mapped leaves `area` null: reads give the default and writes fail.
+Store* openStore(uint64_t generation, const std::string& root, bool create) {
     auto* store = new Store{generation, root};
-    std::string path = root + vesk::host::kPropertyStore;
-    store->fd = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
-    if (store->fd < 0) return store;
-    flock(store->fd, LOCK_EX);
+    if (root.empty()) return store;
+    store->fd = vesk::host::openBelowRoot(root, vesk::host::kPropertyStore,
+                                          O_RDWR | (create ? O_CREAT : 0), 0644);
+    if (store->fd < 0) {
+        if (errno != ENOENT || create) reportStore(root, "cannot be opened");
+        return store;
+    }
     struct stat st {};
-    if (fstat(store->fd, &st) == 0 && static_cast<size_t>(st.st_size) < sizeof(Area)) {
+    if (fstat(store->fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+        errno = EINVAL;
+        reportStore(root, "is not a regular file");
+        return store;
+    }
+    flock(store->fd, LOCK_EX);
+    if (static_cast<size_t>(st.st_size) < sizeof(Area)) {
+        // A short file (new, or cut off) is completed with free slots.
         if (ftruncate(store->fd, sizeof(Area)) != 0) {
+            reportStore(root, "cannot be sized");
             flock(store->fd, LOCK_UN);
             return store;
         }
@@ -87,12 +139,19 @@ Store* openStore(uint64_t generation, const std::string& root) {
     void* map = mmap(nullptr, sizeof(Area), PROT_READ | PROT_WRITE, MAP_SHARED, store->fd, 0);
     if (map != MAP_FAILED) {
         auto* area = static_cast<Area*>(map);
-        if (area->magic != kMagic) {
+        if (!validHeader(area)) {
+            if (!allZero(area, sizeof(Area))) {
+                errno = EINVAL;
+                reportStore(root, "has an unknown layout; started empty");
+                memset(area, 0, sizeof(Area));
+            }
             area->version = kVersion;
             area->slotCount = kSlotCount;
             __atomic_store_n(&area->magic, kMagic, __ATOMIC_RELEASE);
         }
         store->area = area;
+    } else {
+        reportStore(root, "cannot be mapped");
     }
     flock(store->fd, LOCK_UN);
     return store;
@@ -100,18 +159,29 @@ Store* openStore(uint64_t generation, const std::string& root) {
 
 // The store of the current device root. The root is fixed for a process in practice; when a
 // test changes it, the old mapping is kept (never unmapped) so that no reader is left dangling.
-Store* currentStore() {
+// Readers (`create` false) never create the root or the store: a process that only reads gives
+// the defaults until a store exists.
+Store* currentStore(bool create) {
     Store* store = gStore.load(std::memory_order_acquire);
-    if (store != nullptr && store->generation == vesk::host::rootGeneration()) return store;
+    if (store != nullptr && store->generation == vesk::host::rootGeneration() &&
+        store->area != nullptr) {
+        return store;
+    }
     std::lock_guard<std::mutex> lock(gOpenMutex);
     uint64_t generation = vesk::host::rootGeneration();
-    std::string root = vesk::host::deviceRoot();
     store = gStore.load(std::memory_order_acquire);
-    if (store == nullptr || store->generation != generation) {
-        store = openStore(generation, root);
-        gStore.store(store, std::memory_order_release);
+    if (store != nullptr && store->generation == generation && store->area != nullptr) {
+        return store;
     }
-    return store;
+    std::string root = create ? vesk::host::deviceRoot() : vesk::host::existingDeviceRoot();
+    Store* fresh = openStore(generation, root, create);
+    if (fresh->area == nullptr) {
+        if (fresh->fd >= 0) close(fresh->fd);
+        delete fresh;
+        return nullptr;
+    }
+    gStore.store(fresh, std::memory_order_release);
+    return fresh;
 }
 
 // The slot holding `name`, or the free slot where it would go (nullptr when the table is full).
@@ -121,32 +191,49 @@ Slot* findSlot(Area* area, const char* name, size_t length) {
         Slot* slot = &area->slots[(index + probe) % kSlotCount];
         if (loadAcquire(&slot->serial) == 0) return slot;
         if (slot->nameLength == length && std::memcmp(slot->name, name, length) == 0) return slot;
+        // Any other slot, a damaged one included, is passed over.
     }
     return nullptr;
 }
 
-// Copies the published value of `slot` into `out` (PROPERTY_VALUE_MAX bytes); its length.
-size_t readValue(const Slot* slot, char* out) {
-    uint64_t words[kValueWords];
-    for (;;) {
-        uint32_t before = loadAcquire(&slot->serial);
-        if (before & 1u) continue;
-        for (size_t i = 0; i < kValueWords; ++i) {
-            words[i] = __atomic_load_n(&slot->value[i], __ATOMIC_RELAXED);
-        }
-        __atomic_thread_fence(__ATOMIC_ACQUIRE);
-        if (__atomic_load_n(&slot->serial, __ATOMIC_RELAXED) == before) break;
-    }
-    std::memcpy(out, words, PROPERTY_VALUE_MAX);
-    out[PROPERTY_VALUE_MAX - 1] = '\0';
-    return std::strlen(out);
+uint32_t bufferOf(uint32_t serial) {
+    return (serial >> 1) & 1u;
 }
 
-void storeWords(Slot* slot, const char* value, size_t length) {
+// Copies the published value of `slot` into `out` (PROPERTY_VALUE_MAX bytes); its length, or -1
+// when writes kept completing while it was copied.
+int readValue(const Slot* slot, char* out) {
+    uint64_t words[kValueWords];
+    for (int tries = 0; tries < kReadTries; ++tries) {
+        uint32_t before = loadAcquire(&slot->serial);
+        const uint64_t* value = slot->value[bufferOf(before)];
+        for (size_t i = 0; i < kValueWords; ++i) {
+            words[i] = __atomic_load_n(&value[i], __ATOMIC_RELAXED);
+        }
+        __atomic_thread_fence(__ATOMIC_ACQUIRE);
+        if (__atomic_load_n(&slot->serial, __ATOMIC_RELAXED) == before) {
+            std::memcpy(out, words, PROPERTY_VALUE_MAX);
+            out[PROPERTY_VALUE_MAX - 1] = '\0';
+            return static_cast<int>(std::strlen(out));
+        }
+    }
+    return -1;
+}
+
+// The serial after `serial`: bit 1 flipped, never 0 (free) whatever a damaged file held.
+uint32_t nextSerial(uint32_t serial) {
+    uint32_t next = (serial & ~1u) + 2;
+    return next == 0 ? 4 : next;
+}
+
+// Fills the value buffer that `serial` will name; readers look at the other one meanwhile.
+void storeWords(Slot* slot, uint32_t serial, const char* value, size_t length) {
     uint64_t words[kValueWords] = {};
     std::memcpy(words, value, length);
+    uint64_t* buffer = slot->value[bufferOf(serial)];
     for (size_t i = 0; i < kValueWords; ++i) {
-        __atomic_store_n(&slot->value[i], words[i], __ATOMIC_RELAXED);
+        __atomic_store_n(&buffer[i], words[i], __ATOMIC_RELAXED);
+        writeStep(static_cast<int>(i) + 1);
     }
 }
 
@@ -155,29 +242,29 @@ void publishSlot(Slot* slot, const char* name, size_t nameLength, const char* va
     std::memcpy(slot->name, name, nameLength);
     slot->name[nameLength] = '\0';
     slot->nameLength = static_cast<uint32_t>(nameLength);
-    storeWords(slot, value, length);
+    writeStep(0);
+    storeWords(slot, 2u, value, length);
     __atomic_store_n(&slot->serial, 2u, __ATOMIC_RELEASE);
 }
 
 void updateValue(Slot* slot, const char* value, size_t length) {
-    uint32_t serial = __atomic_load_n(&slot->serial, __ATOMIC_RELAXED);
-    __atomic_store_n(&slot->serial, serial + 1, __ATOMIC_RELAXED);
-    __atomic_thread_fence(__ATOMIC_RELEASE);
-    storeWords(slot, value, length);
-    __atomic_store_n(&slot->serial, serial + 2, __ATOMIC_RELEASE);
+    uint32_t next = nextSerial(__atomic_load_n(&slot->serial, __ATOMIC_RELAXED));
+    writeStep(0);
+    storeWords(slot, next, value, length);
+    __atomic_store_n(&slot->serial, next, __ATOMIC_RELEASE);
 }
 
 }  // namespace
 
 extern "C" int property_get(const char* key, char* value, const char* default_value) {
-    Store* store = currentStore();
-    if (key != nullptr && store->area != nullptr) {
+    Store* store = currentStore(false);
+    if (key != nullptr && store != nullptr) {
         size_t length = std::strlen(key);
         if (length < kNameMax) {
             const Slot* slot = findSlot(store->area, key, length);
             if (slot != nullptr && loadAcquire(&slot->serial) != 0) {
-                size_t valueLength = readValue(slot, value);
-                if (valueLength > 0) return static_cast<int>(valueLength);
+                int valueLength = readValue(slot, value);
+                if (valueLength > 0) return valueLength;
             }
         }
     }
@@ -198,8 +285,8 @@ extern "C" int property_set(const char* key, const char* value) {
     size_t length = std::strlen(key);
     size_t valueLength = std::strlen(value);
     if (length >= kNameMax || valueLength >= PROPERTY_VALUE_MAX) return -1;
-    Store* store = currentStore();
-    if (store->area == nullptr) return -1;
+    Store* store = currentStore(true);
+    if (store == nullptr) return -1;
     std::lock_guard<std::mutex> lock(gWriteMutex);
     flock(store->fd, LOCK_EX);
     int result = -1;
@@ -220,16 +307,31 @@ namespace vesk::host {
 
 // Every published property in table order (for `veskdm prop list`).
 std::string listProperties() {
-    Store* store = currentStore();
+    Store* store = currentStore(false);
     std::string out;
-    if (store->area == nullptr) return out;
+    if (store == nullptr) return out;
     char value[PROPERTY_VALUE_MAX];
     for (const Slot& slot : store->area->slots) {
         if (loadAcquire(&slot.serial) == 0) continue;
-        readValue(&slot, value);
-        out.append(slot.name, slot.nameLength).append("=").append(value).append("\n");
+        // A damaged slot (a name that does not fit or is not terminated where it says) is left
+        // out; property_set never writes one.
+        uint32_t nameLength = slot.nameLength;
+        if (nameLength == 0 || nameLength >= kNameMax || slot.name[nameLength] != '\0' ||
+            std::memchr(slot.name, '\0', nameLength) != nullptr) {
+            continue;
+        }
+        if (readValue(&slot, value) <= 0) continue;
+        out.append(slot.name, nameLength).append("=").append(value).append("\n");
     }
     return out;
+}
+
+}  // namespace vesk::host
+
+namespace vesk::host {
+
+void setPropertyWriteHook(PropertyWriteHook hook) {
+    gWriteHook.store(hook, std::memory_order_relaxed);
 }
 
 }  // namespace vesk::host

@@ -8,12 +8,14 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include "SimMacros.h"
 #include "vesk/host/DeviceRoot.h"
+#include "vesk/host/RootFiles.h"
 #include "vesk/sim/StateFile.h"
 #include "vesksdk.h"
 
@@ -75,9 +77,14 @@ int readAt(int fd, unsigned int offset, unsigned char* buffer, unsigned int leng
 
 // A fixed area's file, made (zero-filled to its size) on first use.
 int openArea(const char* name) {
-    std::string path = blockDir() + "/" + name;
-    int fd = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0644);
-    if (fd < 0) return -1;
+    blockDir();
+    int fd = host::openBelowRoot(host::deviceRoot(),
+                                 std::string(host::kBoardStateDir) + "/blocks/" + name,
+                                 O_RDWR | O_CREAT, 0644);
+    if (fd < 0) {
+        fprintf(stderr, "vesksdk: cannot open block area %s: %s\n", name, strerror(errno));
+        return -1;
+    }
     struct stat info {};
     if (fstat(fd, &info) == 0 && info.st_size < static_cast<off_t>(kBlockAreaSize)) {
         if (ftruncate(fd, kBlockAreaSize) != 0) {
@@ -118,22 +125,15 @@ bool splitBlockPath(const char* path, std::vector<std::string>& parts) {
     return !parts.empty();
 }
 
-// Opens a named block below the root, one component at a time with O_NOFOLLOW, so that no
-// symbolic link (planted anywhere on the way) can lead outside the root. `create` makes a
-// missing block in an existing directory. -1 when refused.
+// Opens a named block below the root through the root's jail, so that no symbolic link (planted
+// anywhere on the way) can lead outside the root and no hard-linked file is written. `create`
+// opens for writing and makes a missing block in an existing directory; without it the block is
+// only read. -1 when refused.
 int openNamedBlock(const char* path, bool create) {
     std::vector<std::string> parts;
     if (!splitBlockPath(path, parts)) return -1;
-    int dir = open(host::deviceRoot().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    for (std::size_t i = 0; dir >= 0 && i + 1 < parts.size(); ++i) {
-        int next = openat(dir, parts[i].c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-        close(dir);
-        dir = next;
-    }
-    if (dir < 0) return -1;
-    int flags = O_RDWR | O_NOFOLLOW | O_CLOEXEC | (create ? O_CREAT : 0);
-    int fd = openat(dir, parts.back().c_str(), flags, 0644);
-    close(dir);
+    int flags = create ? O_RDWR | O_CREAT : O_RDONLY | O_NONBLOCK;
+    int fd = host::openBelowRoot(host::deviceRoot(), path, flags, 0644);
     struct stat info {};
     if (fd >= 0 && (fstat(fd, &info) != 0 || !S_ISREG(info.st_mode))) {
         close(fd);

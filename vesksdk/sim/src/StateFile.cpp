@@ -12,37 +12,31 @@
 #include <sstream>
 
 #include "vesk/host/DeviceRoot.h"
+#include "vesk/host/RootFiles.h"
 
 namespace vesk::sim {
 namespace {
 
-void makeDirectory(const std::string& path) {
-    if (mkdir(path.c_str(), 0755) != 0 && errno != EEXIST) {
-        fprintf(stderr, "vesksdk: cannot create %s: %s\n", path.c_str(), strerror(errno));
+// The board's folders are made through the root's jail: a planted link on the way is refused.
+void makeDirectory(const std::string& root, const std::string& devicePath) {
+    if (!host::makeDirectoriesBelowRoot(root, devicePath)) {
+        fprintf(stderr, "vesksdk: cannot create %s: %s\n",
+                host::pathBelowRoot(root, devicePath).c_str(), strerror(errno));
     }
 }
 
-std::string directoryOf(const std::string& path) {
-    return path.substr(0, path.rfind('/'));
-}
-
-bool writeAll(int fd, const std::string& text) {
-    std::size_t done = 0;
-    while (done < text.size()) {
-        ssize_t n = write(fd, text.data() + done, text.size() - done);
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) return false;
-        done += static_cast<std::size_t>(n);
-    }
-    return true;
+// The device path of a file below the root named by its host path; empty when it is not below.
+std::string devicePathOf(const std::string& root, const std::string& path) {
+    if (path.compare(0, root.size() + 1, root + "/") != 0) return std::string();
+    return path.substr(root.size());
 }
 
 }  // namespace
 
 std::string boardDir() {
-    std::string dir = host::pathBelowRoot(host::deviceRoot(), host::kBoardStateDir);
-    makeDirectory(dir);
-    return dir;
+    std::string root = host::deviceRoot();
+    makeDirectory(root, host::kBoardStateDir);
+    return host::pathBelowRoot(root, host::kBoardStateDir);
 }
 
 std::string stateFilePath() {
@@ -54,14 +48,15 @@ std::string productFilePath() {
 }
 
 std::string blockDir() {
-    std::string dir = boardDir() + "/blocks";
-    makeDirectory(dir);
-    return dir;
+    std::string root = host::deviceRoot();
+    makeDirectory(root, std::string(host::kBoardStateDir) + "/blocks");
+    return host::pathBelowRoot(root, std::string(host::kBoardStateDir) + "/blocks");
 }
 
 BoardFileLock::BoardFileLock() {
     std::string path = boardDir() + "/state.lock";
-    mFd = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+    mFd = host::openBelowRoot(host::deviceRoot(), std::string(host::kBoardStateDir) + "/state.lock",
+                              O_RDWR | O_CREAT, 0644);
     if (mFd < 0) {
         fprintf(stderr, "vesksdk: cannot open %s: %s\n", path.c_str(), strerror(errno));
         return;
@@ -88,24 +83,17 @@ nlohmann::json readJsonFile(const std::string& path) {
 }
 
 bool writeJsonFileAtomically(const std::string& path, const nlohmann::json& content) {
-    std::string temporary = path + ".tmp." + std::to_string(getpid());
-    int fd = open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-    if (fd < 0) return false;
     // Texts the board was given need not be UTF-8 (a device name is any bytes): the file keeps
     // U+FFFD for their bad bytes rather than failing to write.
     std::string text = content.dump(2, ' ', false, nlohmann::json::error_handler_t::replace);
-    bool written = writeAll(fd, text + "\n") && fsync(fd) == 0;
-    written = close(fd) == 0 && written;
-    if (!written || rename(temporary.c_str(), path.c_str()) != 0) {
-        unlink(temporary.c_str());
-        fprintf(stderr, "vesksdk: cannot write %s\n", path.c_str());
+    // Written through the root's jail: temporaries of killed writers are removed, and a link
+    // planted at the file or on its way is refused.
+    std::string root = host::deviceRoot();
+    std::string devicePath = devicePathOf(root, path);
+    if (devicePath.empty()) errno = EXDEV;
+    if (devicePath.empty() || !host::replaceFileBelowRoot(root, devicePath, text + "\n", 0644)) {
+        fprintf(stderr, "vesksdk: cannot write %s: %s\n", path.c_str(), strerror(errno));
         return false;
-    }
-    // The rename itself reaches the disk with the directory.
-    int dirFd = open(directoryOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (dirFd >= 0) {
-        fsync(dirFd);
-        close(dirFd);
     }
     return true;
 }

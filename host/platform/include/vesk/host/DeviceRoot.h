@@ -12,12 +12,18 @@ namespace vesk::host {
 // else ~/.local/state/veskdm/root. Created with its factory layout on first use.
 std::string deviceRoot();
 
+// The root deviceRoot() would give, if that directory exists; else empty. Creates nothing, so
+// that commands which only read (or work on a file named by an option) leave no root behind.
+std::string existingDeviceRoot();
+
 // Makes `root` the device root of this process and of the processes it starts
-// (it is exported as $VESK_ROOT). Creates its layout if it is missing.
-void setDeviceRoot(const std::string& root);
+// (it is exported as $VESK_ROOT). With `prepare`, creates its layout if it is missing; without,
+// the layout is made by the first deviceRoot().
+void setDeviceRoot(const std::string& root, bool prepare = true);
 
 // Maps an absolute device path below the root. Relative paths and ".." components never
-// leave the root: they are resolved lexically first.
+// leave the root: they are resolved lexically first. The name is for messages and for readers;
+// files below the root are opened through RootFiles.h, which follows no link.
 std::string pathBelowRoot(const std::string& root, const std::string& devicePath);
 
 // Relative locations inside the root.

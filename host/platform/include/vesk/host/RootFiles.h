@@ -1,0 +1,50 @@
+/*
+ * Files below the device root, which is a jail: every path is opened relative to the root's
+ * directory descriptor and no symbolic link is followed on the way (openat2 with
+ * RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS where the kernel has it, else one component at a time
+ * with O_NOFOLLOW), and a file with more than one hard link is never opened for writing.
+ *
+ * Paths are device paths ("/data/property/store"); "." and ".." are resolved lexically and
+ * never climb above the root. The root directory itself is taken as it is named.
+ *
+ * Errors come back as -1 / false with errno set: ELOOP for a symbolic link on the way, EMLINK
+ * for a hard-linked file opened for writing, ENOTDIR, ENOENT, ... as the kernel says.
+ */
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+
+namespace vesk::host {
+
+// open(2) below the root. O_CLOEXEC is always added. With write access or O_TRUNC, a regular file
+// with more than one link is refused before anything is truncated.
+int openBelowRoot(const std::string& root, const std::string& path, int flags, mode_t mode = 0);
+
+// mkdir -p below the root; true when the directory exists afterwards (and was reached without
+// following a link).
+bool makeDirectoriesBelowRoot(const std::string& root, const std::string& path, mode_t mode = 0755);
+
+// Whether something (a file, a directory, a link) has the name `path` below the root.
+bool existsBelowRoot(const std::string& root, const std::string& path);
+
+// Replaces the file atomically: a temporary "NAME.tmp.PID" beside it is written, flushed and
+// renamed into place, so that readers see the old or the new content. Temporaries that writers
+// killed on the way left beside it are removed first. A link at `path` (symbolic, or a file with
+// several hard links) or a missing directory is refused and nothing is written.
+bool replaceFileBelowRoot(const std::string& root, const std::string& path,
+                          const std::string& content, mode_t mode);
+
+// Appends `text` with one write(2) in O_APPEND mode, creating the file when missing.
+bool appendToFileBelowRoot(const std::string& root, const std::string& path,
+                           const std::string& text, mode_t mode = 0644);
+
+// The path relative to the root, "a/b/c" (empty for the root itself), as the functions above
+// resolve it.
+std::string relativeBelowRoot(const std::string& path);
+
+// Tests: walk component by component even where openat2 is available.
+void setComponentWalkForTesting(bool on);
+
+}  // namespace vesk::host

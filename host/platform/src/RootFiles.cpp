@@ -1,0 +1,272 @@
+/*
+ * The jail of the device root: every open below it is relative to the root's directory and
+ * follows no symbolic link; hard-linked files are never written.
+ */
+#include "vesk/host/RootFiles.h"
+
+#include <dirent.h>
+#include <errno.h>
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#if __has_include(<linux/openat2.h>)
+#include <linux/openat2.h>
+#define VESK_HAVE_OPENAT2 1
+#endif
+
+namespace vesk::host {
+namespace {
+
+std::atomic<bool> gWalkOnly{false};
+
+std::vector<std::string> components(const std::string& path) {
+    std::vector<std::string> parts;
+    size_t pos = 0;
+    while (pos <= path.size()) {
+        size_t slash = path.find('/', pos);
+        if (slash == std::string::npos) slash = path.size();
+        std::string part = path.substr(pos, slash - pos);
+        if (part == "..") {
+            if (!parts.empty()) parts.pop_back();
+        } else if (!part.empty() && part != ".") {
+            parts.push_back(part);
+        }
+        pos = slash + 1;
+    }
+    return parts;
+}
+
+std::string join(const std::vector<std::string>& parts, size_t count) {
+    std::string joined;
+    for (size_t i = 0; i < count; ++i) {
+        if (i > 0) joined += '/';
+        joined += parts[i];
+    }
+    return joined;
+}
+
+// Closes a descriptor at the end of a scope, keeping errno.
+class Fd {
+  public:
+    explicit Fd(int fd = -1) : mFd(fd) {}
+    ~Fd() { reset(); }
+    Fd(const Fd&) = delete;
+    Fd& operator=(const Fd&) = delete;
+    int get() const { return mFd; }
+    int release() {
+        int fd = mFd;
+        mFd = -1;
+        return fd;
+    }
+    void reset(int fd = -1) {
+        if (mFd >= 0) {
+            int saved = errno;
+            close(mFd);
+            errno = saved;
+        }
+        mFd = fd;
+    }
+
+  private:
+    int mFd;
+};
+
+int openRoot(const std::string& root) {
+    return open(root.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+}
+
+// One component at a time: every directory on the way and the last component with O_NOFOLLOW.
+int walkOpen(int rootFd, const std::vector<std::string>& parts, int flags, mode_t mode) {
+    if (parts.empty()) return openat(rootFd, ".", flags, mode);
+    Fd dir(fcntl(rootFd, F_DUPFD_CLOEXEC, 0));
+    for (size_t i = 0; dir.get() >= 0 && i + 1 < parts.size(); ++i) {
+        dir.reset(openat(dir.get(), parts[i].c_str(),
+                         O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    }
+    if (dir.get() < 0) return -1;
+    return openat(dir.get(), parts.back().c_str(), flags | O_NOFOLLOW, mode);
+}
+
+int jailedOpen(int rootFd, const std::vector<std::string>& parts, int flags, mode_t mode) {
+#ifdef VESK_HAVE_OPENAT2
+    if (!gWalkOnly.load(std::memory_order_relaxed)) {
+        open_how how{};
+        how.flags = static_cast<uint64_t>(flags);
+        how.mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? mode : 0;
+        how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS;
+        std::string relative = parts.empty() ? "." : join(parts, parts.size());
+        long fd = syscall(SYS_openat2, rootFd, relative.c_str(), &how, sizeof(how));
+        if (fd >= 0 || (errno != ENOSYS && errno != EINVAL && errno != EPERM)) {
+            return static_cast<int>(fd);
+        }
+    }
+#endif
+    return walkOpen(rootFd, parts, flags, mode);
+}
+
+bool writesTo(int flags) {
+    return (flags & O_ACCMODE) != O_RDONLY || (flags & O_TRUNC) != 0;
+}
+
+// A regular file reachable under another name may be outside the root.
+bool hardLinked(const struct stat& st) {
+    return S_ISREG(st.st_mode) && st.st_nlink > 1;
+}
+
+bool writeAll(int fd, const std::string& text) {
+    size_t done = 0;
+    while (done < text.size()) {
+        ssize_t n = write(fd, text.data() + done, text.size() - done);
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) {
+            if (n == 0) errno = EIO;
+            return false;
+        }
+        done += static_cast<size_t>(n);
+    }
+    return true;
+}
+
+bool allDigits(const char* text) {
+    if (*text == '\0') return false;
+    for (; *text != '\0'; ++text) {
+        if (*text < '0' || *text > '9') return false;
+    }
+    return true;
+}
+
+// Removes "NAME.tmp.PID" files whose writer is gone (or is this process: a leftover of its own).
+void removeStaleTemporaries(int dirFd, const std::string& name) {
+    int listFd = openat(dirFd, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (listFd < 0) return;
+    DIR* dir = fdopendir(listFd);
+    if (dir == nullptr) {
+        close(listFd);
+        return;
+    }
+    const std::string prefix = name + ".tmp.";
+    std::vector<std::string> stale;
+    while (dirent* entry = readdir(dir)) {
+        if (strncmp(entry->d_name, prefix.c_str(), prefix.size()) != 0) continue;
+        const char* pidText = entry->d_name + prefix.size();
+        if (!allDigits(pidText) || strlen(pidText) > 9) continue;
+        pid_t pid = static_cast<pid_t>(atol(pidText));
+        if (pid == getpid() || (pid > 0 && kill(pid, 0) != 0 && errno == ESRCH)) {
+            stale.push_back(entry->d_name);
+        }
+    }
+    closedir(dir);
+    for (const auto& file : stale) unlinkat(dirFd, file.c_str(), 0);
+}
+
+}  // namespace
+
+std::string relativeBelowRoot(const std::string& path) {
+    std::vector<std::string> parts = components(path);
+    return join(parts, parts.size());
+}
+
+void setComponentWalkForTesting(bool on) {
+    gWalkOnly.store(on, std::memory_order_relaxed);
+}
+
+int openBelowRoot(const std::string& root, const std::string& path, int flags, mode_t mode) {
+    Fd rootFd(openRoot(root));
+    if (rootFd.get() < 0) return -1;
+    const bool truncate = (flags & O_TRUNC) != 0;
+    // Truncation waits until the file is known to be this one name's alone.
+    Fd fd(jailedOpen(rootFd.get(), components(path), (flags & ~O_TRUNC) | O_CLOEXEC, mode));
+    if (fd.get() < 0) return -1;
+    if (writesTo(flags)) {
+        struct stat st {};
+        if (fstat(fd.get(), &st) != 0) return -1;
+        if (hardLinked(st)) {
+            errno = EMLINK;
+            return -1;
+        }
+        if (truncate && S_ISREG(st.st_mode) && ftruncate(fd.get(), 0) != 0) return -1;
+    }
+    return fd.release();
+}
+
+bool makeDirectoriesBelowRoot(const std::string& root, const std::string& path, mode_t mode) {
+    Fd dir(openRoot(root));
+    for (const auto& part : components(path)) {
+        if (dir.get() < 0) return false;
+        if (mkdirat(dir.get(), part.c_str(), mode) != 0 && errno != EEXIST) return false;
+        dir.reset(openat(dir.get(), part.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    }
+    return dir.get() >= 0;
+}
+
+bool existsBelowRoot(const std::string& root, const std::string& path) {
+    std::vector<std::string> parts = components(path);
+    if (parts.empty()) return access(root.c_str(), F_OK) == 0;
+    Fd parent(openBelowRoot(root, join(parts, parts.size() - 1), O_RDONLY | O_DIRECTORY));
+    if (parent.get() < 0) return errno != ENOENT;
+    struct stat st {};
+    return fstatat(parent.get(), parts.back().c_str(), &st, AT_SYMLINK_NOFOLLOW) == 0 ||
+           errno != ENOENT;
+}
+
+bool replaceFileBelowRoot(const std::string& root, const std::string& path,
+                          const std::string& content, mode_t mode) {
+    std::vector<std::string> parts = components(path);
+    if (parts.empty()) {
+        errno = EISDIR;
+        return false;
+    }
+    const std::string& name = parts.back();
+    Fd dir(openBelowRoot(root, join(parts, parts.size() - 1), O_RDONLY | O_DIRECTORY));
+    if (dir.get() < 0) return false;
+    struct stat st {};
+    if (fstatat(dir.get(), name.c_str(), &st, AT_SYMLINK_NOFOLLOW) == 0) {
+        if (S_ISLNK(st.st_mode)) {
+            errno = ELOOP;
+            return false;
+        }
+        if (S_ISDIR(st.st_mode)) {
+            errno = EISDIR;
+            return false;
+        }
+        if (hardLinked(st)) {
+            errno = EMLINK;
+            return false;
+        }
+    } else if (errno != ENOENT) {
+        return false;
+    }
+    removeStaleTemporaries(dir.get(), name);
+    const std::string temporary = name + ".tmp." + std::to_string(getpid());
+    Fd fd(openat(dir.get(), temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+                 mode));
+    if (fd.get() < 0) return false;
+    bool ok = writeAll(fd.get(), content) && fchmod(fd.get(), mode) == 0 && fsync(fd.get()) == 0;
+    int closed = close(fd.release());
+    ok = ok && closed == 0;
+    if (ok) ok = renameat(dir.get(), temporary.c_str(), dir.get(), name.c_str()) == 0;
+    if (!ok) {
+        int saved = errno;
+        unlinkat(dir.get(), temporary.c_str(), 0);
+        errno = saved;
+        return false;
+    }
+    fsync(dir.get());  // the rename itself reaches the disk with the directory
+    return true;
+}
+
+bool appendToFileBelowRoot(const std::string& root, const std::string& path,
+                           const std::string& text, mode_t mode) {
+    Fd fd(openBelowRoot(root, path, O_WRONLY | O_APPEND | O_CREAT, mode));
+    return fd.get() >= 0 && writeAll(fd.get(), text);
+}
+
+}  // namespace vesk::host
