@@ -31,7 +31,7 @@ void applyGlobalOptions(const veskdm::GlobalOptions& options, bool rootGiven) {
     if (!journal.empty()) veskdm::checkJournalPath(journal);
     std::string script = effectivePath(options.boardScript, "VESK_BOARD_SCRIPT");
     if (!script.empty()) veskdm::checkScriptFile(script);
-    if (rootGiven) vesk::host::setDeviceRoot(options.root);
+    if (rootGiven) vesk::host::setDeviceRoot(options.root, false);
     if (!options.log.empty() && !vesk::host::logToJsonFile(options.log)) {
         throw veskdm::UsageError("cannot open log file " + options.log);
     }
