@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <string.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -68,11 +69,16 @@ enum class Plant {
 
 const char* plantName(Plant plant) {
     switch (plant) {
-        case Plant::SymlinkToFile: return "symlink to a file outside";
-        case Plant::SymlinkToMissingFile: return "symlink to a missing file outside";
-        case Plant::SymlinkToDirectory: return "symlink to a folder outside";
-        case Plant::SymlinkOnTheWay: return "symlink in a folder on the way";
-        case Plant::HardLink: return "hard link to a file outside";
+        case Plant::SymlinkToFile:
+            return "symlink to a file outside";
+        case Plant::SymlinkToMissingFile:
+            return "symlink to a missing file outside";
+        case Plant::SymlinkToDirectory:
+            return "symlink to a folder outside";
+        case Plant::SymlinkOnTheWay:
+            return "symlink in a folder on the way";
+        case Plant::HardLink:
+            return "hard link to a file outside";
     }
     return "";
 }
@@ -111,9 +117,7 @@ const Target kTargets[] = {
              return bi_block_write_defined(0, bytes, 4) < 0;
          }},
         {"/data/vesksdk/state.lock", false, nullptr,
-         [] {
-             return failsWithMessage([] { bi_relay_set_state(1); }, "state.lock");
-         }},
+         [] { return failsWithMessage([] { bi_relay_set_state(1); }, "state.lock"); }},
 };
 
 std::string parentOf(const std::string& path) {
@@ -193,7 +197,7 @@ TEST_P(RootJailTest, OpenDeviceSeamRefusesLinksWithTheirOwnError) {
     ASSERT_EQ(0, symlink((outside.path() + "/file").c_str(), env.c_str()));
     errno = 0;
     EXPECT_EQ(-1, vesk::platform::openDevice("/dev/block/env", O_RDWR));
-    EXPECT_EQ(ELOOP, errno);
+    EXPECT_EQ(EXDEV, errno);
 
     ASSERT_EQ(0, unlink(env.c_str()));
     ASSERT_EQ(0, link((outside.path() + "/file").c_str(), env.c_str()));
@@ -205,6 +209,36 @@ TEST_P(RootJailTest, OpenDeviceSeamRefusesLinksWithTheirOwnError) {
     int fd = vesk::platform::openDevice("/dev/block/env", O_RDONLY);
     EXPECT_GE(fd, 0);
     if (fd >= 0) close(fd);
+}
+
+// Device nodes are reached through relative links, as /dev/block/by-name on the device; a link
+// that stays below the root is followed by the device-path seam, one that leaves it is not.
+TEST_P(RootJailTest, OpenDeviceFollowsLinksThatStayBelowTheRootOnly) {
+    Outside outside;
+    writeFile(outside.path() + "/file", "outside\n");
+    ASSERT_EQ(0, mkdir((root / "/dev/block/by-name").c_str(), 0755));
+    ASSERT_EQ(0, symlink("../env", (root / "/dev/block/by-name/env").c_str()));
+    ASSERT_EQ(0, symlink("by-name/env", (root / "/dev/block/alias").c_str()));
+    int fd = vesk::platform::openDevice("/dev/block/alias", O_RDWR);
+    ASSERT_GE(fd, 0) << strerror(errno);
+    struct stat opened {};
+    struct stat env {};
+    fstat(fd, &opened);
+    close(fd);
+    ASSERT_EQ(0, stat((root / "/dev/block/env").c_str(), &env));
+    EXPECT_EQ(env.st_ino, opened.st_ino);
+
+    std::string climbing = "../../..";
+    for (size_t i = 0; i < 8; ++i) climbing += "/..";
+    ASSERT_EQ(0, symlink((climbing + outside.path() + "/file").c_str(),
+                         (root / "/dev/block/by-name/escape").c_str()));
+    errno = 0;
+    EXPECT_EQ(-1, vesk::platform::openDevice("/dev/block/by-name/escape", O_RDWR | O_TRUNC));
+    EXPECT_EQ(EXDEV, errno);
+    EXPECT_EQ("outside\n", readFile(outside.path() + "/file"));
+    // The platform's own files follow no link at all.
+    EXPECT_EQ(-1, vesk::host::openBelowRoot(root.path(), "/dev/block/alias", O_RDONLY));
+    EXPECT_EQ(ELOOP, errno);
 }
 
 TEST_P(RootJailTest, PathsWithDotDotStayBelowTheRoot) {
@@ -256,7 +290,7 @@ pid_t deadPid() {
 TEST_F(RootTemporaryTest, NextWriterRemovesTemporariesOfDeadWritersOnly) {
     std::string dir = root / "/data/vesksdk";
     std::string dead = "state.json.tmp." + std::to_string(deadPid());
-    std::string live = "state.json.tmp." + std::to_string(getppid());  // alive: our parent
+    std::string live = "state.json.tmp." + std::to_string(getppid());     // alive: our parent
     std::string other = "product.json.tmp." + std::to_string(deadPid());  // another file's
     for (const auto& name : {dead, live, other}) writeFile(dir + "/" + name, "partial");
     ASSERT_TRUE(vesk::host::replaceFileBelowRoot(root.path(), "/data/vesksdk/state.json", "{}\n",
@@ -314,8 +348,8 @@ TEST_F(ExistingRootTest, ToolReadsWithoutMakingTheDefaultRoot) {
     std::string env = "env -u VESK_ROOT XDG_STATE_HOME='" + missing + "' ";
     std::string tool = VESK_BINARY_DIR "/bin/veskdm";
     int status = -1;
-    std::string printed = runCommand(env + tool + " env print --device '" + image + "' 2>/dev/null",
-                                     &status);
+    std::string printed =
+            runCommand(env + tool + " env print --device '" + image + "' 2>/dev/null", &status);
     EXPECT_EQ(0, status);
     EXPECT_NE(std::string::npos, printed.find("hdmimode=1080p60hz"));
     runCommand(env + tool + " prop get persist.vesk.device.log.level 2>/dev/null", &status);

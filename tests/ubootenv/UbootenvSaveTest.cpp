@@ -503,7 +503,7 @@ TEST_F(UbootenvSaveTest, EachCopyIsOnTheDeviceBeforeTheNextWriteUnderAnExclusive
     // LeakSanitizer cannot work under strace; the asan build's tool is traced without it.
     runCommand(
             "ASAN_OPTIONS=detect_leaks=0 strace -f -qq -e "
-            "trace=openat,flock,lseek,write,fdatasync,fsync,close -o '" +
+            "trace=openat,openat2,flock,lseek,write,fdatasync,fsync,close -o '" +
                     trace + "' '" VESK_BINARY_DIR "/bin/veskdm' --root '" + root.path() +
                     "' env set hdmimode 720p60hz 2>/dev/null",
             &status);
@@ -514,7 +514,9 @@ TEST_F(UbootenvSaveTest, EachCopyIsOnTheDeviceBeforeTheNextWriteUnderAnExclusive
     std::vector<std::string> calls;
     std::regex call(R"(^\d+ +(\w+)\((\d+)(?:, ([^"]*?|".*"\.*, \d+))?\) += (-?\d+))");
     while (std::getline(lines, line)) {
-        if (line.find(hostPath(kEnvDevice) + "\", O_RDWR") != std::string::npos) {
+        // The host opens device files beneath the root with openat2 where the kernel has it.
+        if (line.find(hostPath(kEnvDevice) + "\", O_RDWR") != std::string::npos ||
+            line.find("\"dev/block/env\", {flags=O_RDWR") != std::string::npos) {
             fd = line.substr(line.rfind(' ') + 1);
             calls.clear();
             continue;

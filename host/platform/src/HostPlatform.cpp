@@ -134,7 +134,7 @@ int openDevice(const char* path, int flags, mode_t mode) {
         errno = ENOENT;
         return -1;
     }
-    return host::openBelowRoot(host::deviceRoot(), path, flags, mode);
+    return host::openDeviceBelowRoot(host::deviceRoot(), path, flags, mode);
 }
 
 int mtdGetInfo(int fd, mtd_info_user* info) {

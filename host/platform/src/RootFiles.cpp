@@ -112,6 +112,80 @@ int jailedOpen(int rootFd, const std::vector<std::string>& parts, int flags, mod
     return walkOpen(rootFd, parts, flags, mode);
 }
 
+// The real names below the root that `parts` reaches when symbolic links are followed as long
+// as they stay below it: a link with an absolute target, or one that climbs above the root,
+// gives EXDEV (as openat2 with RESOLVE_BENEATH does); more than 40 links ELOOP.
+bool resolveBeneath(int rootFd, const std::vector<std::string>& parts,
+                    std::vector<std::string>& resolved) {
+    std::vector<std::string> queue(parts.rbegin(), parts.rend());  // next name at the back
+    int links = 0;
+    resolved.clear();
+    while (!queue.empty()) {
+        std::string name = queue.back();
+        queue.pop_back();
+        if (name.empty() || name == ".") continue;
+        if (name == "..") {
+            if (resolved.empty()) {
+                errno = EXDEV;
+                return false;
+            }
+            resolved.pop_back();
+            continue;
+        }
+        Fd dir(walkOpen(rootFd, resolved, O_RDONLY | O_DIRECTORY, 0));
+        if (dir.get() < 0) return false;
+        struct stat st {};
+        if (fstatat(dir.get(), name.c_str(), &st, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(st.st_mode)) {
+            if (++links > 40) {
+                errno = ELOOP;
+                return false;
+            }
+            char target[4096];
+            ssize_t n = readlinkat(dir.get(), name.c_str(), target, sizeof(target) - 1);
+            if (n < 0) return false;
+            target[n] = '\0';
+            if (target[0] == '/') {
+                errno = EXDEV;
+                return false;
+            }
+            std::string text(target);
+            size_t pos = 0;
+            std::vector<std::string> spliced;
+            while (pos <= text.size()) {
+                size_t slash = text.find('/', pos);
+                if (slash == std::string::npos) slash = text.size();
+                spliced.push_back(text.substr(pos, slash - pos));
+                pos = slash + 1;
+            }
+            queue.insert(queue.end(), spliced.rbegin(), spliced.rend());
+            continue;
+        }
+        resolved.push_back(name);
+    }
+    return true;
+}
+
+// Like jailedOpen, but symbolic links that stay below the root are followed.
+int beneathOpen(int rootFd, const std::vector<std::string>& parts, int flags, mode_t mode) {
+#ifdef VESK_HAVE_OPENAT2
+    if (!gWalkOnly.load(std::memory_order_relaxed)) {
+        open_how how{};
+        how.flags = static_cast<uint64_t>(flags);
+        how.mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? mode : 0;
+        how.resolve = RESOLVE_BENEATH | RESOLVE_NO_MAGICLINKS;
+        std::string relative = parts.empty() ? "." : join(parts, parts.size());
+        long fd = syscall(SYS_openat2, rootFd, relative.c_str(), &how, sizeof(how));
+        if (fd >= 0 || (errno != ENOSYS && errno != EINVAL && errno != EPERM)) {
+            return static_cast<int>(fd);
+        }
+    }
+#endif
+    std::vector<std::string> resolved;
+    if (!resolveBeneath(rootFd, parts, resolved)) return -1;
+    // Every name is real now; should one have changed into a link meanwhile, it is refused.
+    return walkOpen(rootFd, resolved, flags, mode);
+}
+
 bool writesTo(int flags) {
     return (flags & O_ACCMODE) != O_RDONLY || (flags & O_TRUNC) != 0;
 }
@@ -178,12 +252,17 @@ void setComponentWalkForTesting(bool on) {
     gWalkOnly.store(on, std::memory_order_relaxed);
 }
 
-int openBelowRoot(const std::string& root, const std::string& path, int flags, mode_t mode) {
+namespace {
+
+using Opener = int (*)(int rootFd, const std::vector<std::string>& parts, int flags, mode_t mode);
+
+int openWith(Opener opener, const std::string& root, const std::string& path, int flags,
+             mode_t mode) {
     Fd rootFd(openRoot(root));
     if (rootFd.get() < 0) return -1;
     const bool truncate = (flags & O_TRUNC) != 0;
     // Truncation waits until the file is known to be this one name's alone.
-    Fd fd(jailedOpen(rootFd.get(), components(path), (flags & ~O_TRUNC) | O_CLOEXEC, mode));
+    Fd fd(opener(rootFd.get(), components(path), (flags & ~O_TRUNC) | O_CLOEXEC, mode));
     if (fd.get() < 0) return -1;
     if (writesTo(flags)) {
         struct stat st {};
@@ -195,6 +274,16 @@ int openBelowRoot(const std::string& root, const std::string& path, int flags, m
         if (truncate && S_ISREG(st.st_mode) && ftruncate(fd.get(), 0) != 0) return -1;
     }
     return fd.release();
+}
+
+}  // namespace
+
+int openBelowRoot(const std::string& root, const std::string& path, int flags, mode_t mode) {
+    return openWith(jailedOpen, root, path, flags, mode);
+}
+
+int openDeviceBelowRoot(const std::string& root, const std::string& path, int flags, mode_t mode) {
+    return openWith(beneathOpen, root, path, flags, mode);
 }
 
 bool makeDirectoriesBelowRoot(const std::string& root, const std::string& path, mode_t mode) {

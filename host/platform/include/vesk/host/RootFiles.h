@@ -7,7 +7,8 @@
  * Paths are device paths ("/data/property/store"); "." and ".." are resolved lexically and
  * never climb above the root. The root directory itself is taken as it is named.
  *
- * Errors come back as -1 / false with errno set: ELOOP for a symbolic link on the way, EMLINK
+ * Errors come back as -1 / false with errno set: ELOOP for a symbolic link on the way (EXDEV for
+ * one leaving the root, openDeviceBelowRoot), EMLINK
  * for a hard-linked file opened for writing, ENOTDIR, ENOENT, ... as the kernel says.
  */
 #pragma once
@@ -21,6 +22,13 @@ namespace vesk::host {
 // open(2) below the root. O_CLOEXEC is always added. With write access or O_TRUNC, a regular file
 // with more than one link is refused before anything is truncated.
 int openBelowRoot(const std::string& root, const std::string& path, int flags, mode_t mode = 0);
+
+// The same for a device path (the device-path seam): device nodes are reached through links on
+// the device ("/dev/block/by-name/env" -> "../mmcblk0p5"), so a relative symbolic link is followed
+// as long as it stays below the root (openat2's RESOLVE_BENEATH); one that leaves it, by an
+// absolute target or by "..", gives EXDEV.
+int openDeviceBelowRoot(const std::string& root, const std::string& path, int flags,
+                        mode_t mode = 0);
 
 // mkdir -p below the root; true when the directory exists afterwards (and was reached without
 // following a link).
