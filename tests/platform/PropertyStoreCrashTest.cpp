@@ -238,5 +238,42 @@ TEST_F(PropertyStoreCrashTest, DamagedStoreFileNeverCrashesOrStopsAReader) {
     }
 }
 
+// A store written by the first layout: "VESP", version 1, 2048 slots of serial, name length,
+// 256 name bytes and 96 value bytes, after a 16-byte header.
+TEST_F(PropertyStoreCrashTest, StoreOfTheFirstLayoutKeepsItsCompleteProperties) {
+    TempRoot fresh;
+    std::string image(16 + 2048 * 360, '\0');
+    const uint32_t header[4] = {0x56455350, 1, 2048, 0};
+    memcpy(&image[0], header, sizeof(header));
+    auto put = [&](size_t index, uint32_t serial, const std::string& name,
+                   const std::string& value) {
+        size_t at = 16 + index * 360;
+        uint32_t length = static_cast<uint32_t>(name.size());
+        memcpy(&image[at], &serial, 4);
+        memcpy(&image[at + 4], &length, 4);
+        memcpy(&image[at + 8], name.data(), name.size());
+        memcpy(&image[at + 8 + 256], value.data(), value.size());
+    };
+    put(3, 2, "persist.vesk.device.log.level", "D");
+    put(700, 6, "persist.vesk.custom.mode", "1920x1080p60hz");
+    put(701, 5, "persist.vesk.torn", "half");  // its writer died mid-value
+    writeFile(storePath(fresh), image);
+    EXPECT_EQ(0, runInChild([&] {
+                  vesk::host::setDeviceRoot(fresh.path(), false);
+                  if (readWithinBound("persist.vesk.device.log.level", {"D"}) != 0) return 1;
+                  if (readWithinBound("persist.vesk.custom.mode", {"1920x1080p60hz"}) != 0)
+                      return 2;
+                  if (readWithinBound("persist.vesk.torn", {"unset"}) != 0) return 3;
+                  return vesk::host::listProperties() ==
+                                                 "persist.vesk.device.log.level=D\n"
+                                                 "persist.vesk.custom.mode=1920x1080p60hz\n" ||
+                                         vesk::host::listProperties() ==
+                                                 "persist.vesk.custom.mode=1920x1080p60hz\n"
+                                                 "persist.vesk.device.log.level=D\n"
+                                 ? 0
+                                 : 4;
+              }));
+}
+
 }  // namespace
 }  // namespace vesk::test

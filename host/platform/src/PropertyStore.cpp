@@ -27,6 +27,8 @@
 #include <cstring>
 #include <mutex>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "HostInternal.h"
 #include "vesk/host/DeviceRoot.h"
@@ -110,6 +112,48 @@ bool allZero(const void* bytes, size_t size) {
     return true;
 }
 
+Slot* findSlot(Area* area, const char* name, size_t length);
+void publishSlot(Slot* slot, const char* name, size_t nameLength, const char* value, size_t length);
+
+// Stores of the first layout (one value buffer per slot, version 1) are carried over, property by
+// property, so that an existing root keeps its settings. The caller holds the file's lock.
+bool migrateFirstLayout(Area* area) {
+    struct FirstSlot {
+        uint32_t serial;
+        uint32_t nameLength;
+        char name[kNameMax];
+        char value[kValueWords * 8];
+    };
+    constexpr size_t kHeader = 16;
+    static_assert(kHeader + kSlotCount * sizeof(FirstSlot) <= sizeof(Area));
+    if (area->magic != kMagic || area->version != 1 || area->slotCount != kSlotCount) return false;
+    std::vector<std::pair<std::string, std::string>> kept;
+    const auto* bytes = reinterpret_cast<const unsigned char*>(area);
+    for (uint32_t i = 0; i < kSlotCount; ++i) {
+        FirstSlot slot;
+        std::memcpy(&slot, bytes + kHeader + i * sizeof(FirstSlot), sizeof(slot));
+        // A torn entry (odd serial: its writer died mid-value) is left behind.
+        if (slot.serial == 0 || (slot.serial & 1u) != 0) continue;
+        if (slot.nameLength == 0 || slot.nameLength >= kNameMax) continue;
+        size_t valueLength = strnlen(slot.value, PROPERTY_VALUE_MAX);
+        if (valueLength >= PROPERTY_VALUE_MAX) continue;
+        kept.emplace_back(std::string(slot.name, slot.nameLength),
+                          std::string(slot.value, valueLength));
+    }
+    std::memset(area, 0, sizeof(Area));
+    area->version = kVersion;
+    area->slotCount = kSlotCount;
+    for (const auto& [name, value] : kept) {
+        if (name.find('\0') != std::string::npos) continue;
+        Slot* slot = findSlot(area, name.c_str(), name.size());
+        if (slot != nullptr && slot->serial == 0) {
+            publishSlot(slot, name.c_str(), name.size(), value.c_str(), value.size());
+        }
+    }
+    __atomic_store_n(&area->magic, kMagic, __ATOMIC_RELEASE);
+    return true;
+}
+
 // Maps the store of `root`; with `create`, the file is made when missing. A store that cannot be
 // opened or mapped leaves `area` null: reads give the default and writes fail.
 Store* openStore(uint64_t generation, const std::string& root, bool create) {
@@ -139,7 +183,7 @@ Store* openStore(uint64_t generation, const std::string& root, bool create) {
     void* map = mmap(nullptr, sizeof(Area), PROT_READ | PROT_WRITE, MAP_SHARED, store->fd, 0);
     if (map != MAP_FAILED) {
         auto* area = static_cast<Area*>(map);
-        if (!validHeader(area)) {
+        if (!validHeader(area) && !migrateFirstLayout(area)) {
             if (!allZero(area, sizeof(Area))) {
                 errno = EINVAL;
                 reportStore(root, "has an unknown layout; started empty");
