@@ -64,6 +64,7 @@ struct Store {
     std::string root;
     Area* area = nullptr;
     int fd = -1;
+    Store* previous = nullptr;  // the store it replaced: kept, as a reader may still hold it
 };
 
 // Reads that saw a write complete this often in a row give up and report the property unset.
@@ -224,6 +225,7 @@ Store* currentStore(bool create) {
         delete fresh;
         return nullptr;
     }
+    fresh->previous = store;
     gStore.store(fresh, std::memory_order_release);
     return fresh;
 }
