@@ -33,7 +33,8 @@ class BoardFileLock {
 // JSON object is reported on stderr once and read as empty, as a board with a wiped store.
 nlohmann::json readJsonFile(const std::string& path);
 // Writes a temporary file beside `path`, flushes it to disk and renames it into place, so that
-// a reader sees the old or the new content, never a part. False when that fails.
+// a reader sees the old or the new content, never a part; through the device root's jail, so
+// `path` lies below the root and no link on the way is followed. False when that fails.
 bool writeJsonFileAtomically(const std::string& path, const nlohmann::json& content);
 
 }  // namespace vesk::sim
