@@ -295,6 +295,9 @@ void publishSlot(Slot* slot, const char* name, size_t nameLength, const char* va
 
 void updateValue(Slot* slot, const char* value, size_t length) {
     uint32_t next = nextSerial(__atomic_load_n(&slot->serial, __ATOMIC_RELAXED));
+    // The serial that published the other buffer is visible before any word of this one: a
+    // reader that copies a word of this write sees that serial change and copies again.
+    __atomic_thread_fence(__ATOMIC_RELEASE);
     writeStep(0);
     storeWords(slot, next, value, length);
     __atomic_store_n(&slot->serial, next, __ATOMIC_RELEASE);
