@@ -10,6 +10,7 @@
 #include <mutex>
 
 #include "BoardText.h"
+#include "ProductRecordCache.h"
 #include "ServiceTrace.h"
 #include "VeskDeviceManager.h"
 
@@ -63,6 +64,14 @@ void fillProductInfo(const char* record, ProductInfo& info) {
 }
 
 }  // namespace
+
+void forgetProductRecord() {
+    ProductCache& cache = productCache();
+    std::lock_guard<std::mutex> lock(cache.mutex);
+    free(cache.record);
+    cache.record = nullptr;
+    cache.readFailed = false;
+}
 
 Return<void> VeskDeviceManager::getProductInfo(getProductInfo_cb _hidl_cb) {
     trace("getProductInfo", 146);

@@ -1,6 +1,8 @@
 /*
  * Fixture for the service's tests: a fresh device root, the log captured, the board's journal
- * kept in memory and no script; the service fetched as a passthrough host fetches it.
+ * kept in memory and no script; the service fetched as a passthrough host fetches it. The
+ * board's and the service's process-wide state is put back as a fresh process has it, before
+ * and after each test.
  */
 #pragma once
 
@@ -9,6 +11,8 @@
 #include <gtest/gtest.h>
 #include <vesksdk_sim_control.h>
 
+#include "BoardReset.h"
+#include "ProductRecordCache.h"
 #include "TestRoot.h"
 #include "VeskDeviceManager.h"
 
@@ -37,12 +41,19 @@ inline constexpr char kLevel[] = "persist.vesk.device.log.level";
 class ServiceTest : public RootTest {
   protected:
     ServiceTest() {
-        vesk::sim::clearScript();
+        resetSimulatedBoard();
+        vesk::hardware::veskdevicemanager::implementation::forgetProductRecord();
         vesk::sim::startJournal();
         service = vesk::hardware::veskdevicemanager::implementation::HIDL_FETCH_IVeskDeviceManager(
                 "default");
         vesk::sim::clearJournal();
         vesk::host::clearCapturedLog();
+    }
+    // Leaves no board state, journal, script or product record to the next test.
+    ~ServiceTest() override {
+        service.clear();
+        resetSimulatedBoard();
+        vesk::hardware::veskdevicemanager::implementation::forgetProductRecord();
     }
 
     void setLevel(const std::string& level) { setProperty(kLevel, level); }
