@@ -7,6 +7,7 @@
 #include <vesksdk_records.h>
 
 #include <cmath>
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 
@@ -18,24 +19,22 @@
 namespace vesk::hardware::veskdevicemanager::implementation {
 namespace {
 
-// The same four models as DisplayModeControl's allow list (RZ30Max, RZ8K, RZ8KMAX...), kept as
-// a bit set over 8470 to 8478.
-constexpr int kFirstModel = 8470;
-constexpr unsigned kComputedModels = (1u << (8470 - kFirstModel)) | (1u << (8475 - kFirstModel)) |
-                                     (1u << (8476 - kFirstModel)) | (1u << (8478 - kFirstModel));
+// The models of DisplayModeControl's allow list (RZ30Max, RZ8K, RZ8KMAX...).
+constexpr int kComputedModels[] = {VESK_COMPUTED_MODELS};
 
 bool computesOutputMode(int modelId) {
-    // Range first: a model text such as "-2147483648" must not overflow the subtraction.
-    if (modelId < kFirstModel || modelId > kFirstModel + 31) return false;
-    return (kComputedModels >> (modelId - kFirstModel)) & 1u;
+    for (int model : kComputedModels) {
+        if (model == modelId) return true;
+    }
+    return false;
 }
 
-// The product's model number: the decimal text at byte 64 of a fresh product record.
+// The product's model number: the decimal text of model_id in a fresh product record.
 int readModelId() {
-    char record[VESK_PRODUCT_RECORD_SIZE];
+    char record[sizeof(vesk_product_record)];
     memset(record, 0, sizeof(record));
     bi_info_get_product_info(record);
-    return atoi(recordText(record, sizeof(record), VESK_PRODUCT_MODEL_ID_OFFSET).c_str());
+    return atoi(recordText(record, sizeof(record), offsetof(vesk_product_record, model_id)).c_str());
 }
 
 // A rate truncated to whole frames; a rate that is not a finite, non-negative 32-bit value
