@@ -1,5 +1,6 @@
 /*
- * Data blocks (defined, screen, FPGA program, named) and the FPGA's load and SPI calls.
+ * Data blocks (defined, screen, FPGA program, named, their check) and the FPGA's load, firmware
+ * update and SPI calls.
  */
 #include <unistd.h>
 #include <vesksdk.h>
@@ -151,6 +152,16 @@ Return<void> VeskDeviceManager::readSpiFpga(int32_t size, readSpiFpga_cb _hidl_c
     if (ret >= 0 && ret < size) buffer.resize(ret);
     _hidl_cb(ret, buffer);
     return Void();
+}
+
+Return<int32_t> VeskDeviceManager::fpgaFirmwareUpdate(const hidl_string& path) {
+    trace("fpgaFirmwareUpdate", 1621);
+    return bi_fpga_firmware_update(path.c_str());
+}
+
+Return<int32_t> VeskDeviceManager::checkBlock(const hidl_string& path) {
+    trace("checkBlock", 1641);
+    return bi_block_check(path.c_str());
 }
 
 }  // namespace vesk::hardware::veskdevicemanager::implementation

@@ -1,97 +1,15 @@
 /*
- * The simple methods: trace, one board call with the arguments unchanged, its result returned
- * unchanged. Nothing here checks a range; the board library decides. A time shorter than the
- * board reads is padded with zeros (BoardInput.h).
+ * Power and the other devices: fans, the OPS slot, USB switching and OTG mode, the factory tool
+ * and PC control switches, the network, power modes, the access point, audio and video-input
+ * levels, the board's ADC readings, LoRa, infrared, factory reset, the 4G module, headphone and
+ * power amplifier. Nothing here checks a range; the board library decides.
  */
 #include <vesksdk.h>
-#include <vesksdk_records.h>
 
-#include "BoardInput.h"
 #include "ServiceTrace.h"
 #include "VeskDeviceManager.h"
 
 namespace vesk::hardware::veskdevicemanager::implementation {
-
-Return<int32_t> VeskDeviceManager::setSysLedState(int32_t state) {
-    trace("setSysLedState", 48);
-    return bi_sysled_set_state(state);
-}
-
-Return<int32_t> VeskDeviceManager::getSysLedState() {
-    trace("getSysLedState", 54);
-    return bi_sysled_get_state();
-}
-
-Return<int32_t> VeskDeviceManager::setNetLedState(int32_t state) {
-    trace("setNetLedState", 60);
-    return bi_netled_set_state(state);
-}
-
-Return<int32_t> VeskDeviceManager::getNetLedState() {
-    trace("getNetLedState", 66);
-    return bi_netled_get_state();
-}
-
-Return<int32_t> VeskDeviceManager::setColorLedState(int32_t red, int32_t green, int32_t blue) {
-    trace("setColorLedState", 72);
-    vesk::log::debug(kTag, "red_state:%d green_state:%d blue_state:%d", red, green, blue);
-    return bi_triled_set_state(red, green, blue);
-}
-
-Return<int32_t> VeskDeviceManager::getColorLedState() {
-    trace("getColorLedState", 79);
-    return bi_triled_get_state();
-}
-
-Return<int32_t> VeskDeviceManager::set4gLedState(int32_t state) {
-    trace("set4gLedState", 85);
-    return bi_4gled_set_state(state);
-}
-
-Return<int32_t> VeskDeviceManager::get4gLedState() {
-    trace("get4gLedState", 91);
-    return bi_4gled_get_state();
-}
-
-Return<int32_t> VeskDeviceManager::setPositionLedState(int32_t state) {
-    trace("setPositionLedState", 97);
-    return bi_position_led_set_state(state);
-}
-
-Return<int32_t> VeskDeviceManager::getPositionLedState() {
-    trace("getPositionLedState", 103);
-    return bi_position_led_get_state();
-}
-
-Return<int32_t> VeskDeviceManager::setSwitchLedState(int32_t state) {
-    trace("setSwitchLedState", 109);
-    return bi_switchled_set_state(state);
-}
-
-Return<int32_t> VeskDeviceManager::getSwitchLedState() {
-    trace("getSwitchLedState", 115);
-    return bi_switchled_get_state();
-}
-
-Return<int32_t> VeskDeviceManager::setRunningLedState(int32_t state) {
-    trace("setRunningLedState", 121);
-    return bi_runningled_set_state(state);
-}
-
-Return<int32_t> VeskDeviceManager::getRunningLedState() {
-    trace("getRunningLedState", 127);
-    return bi_runningled_get_state();
-}
-
-Return<int32_t> VeskDeviceManager::setCloudLedState(int32_t state) {
-    trace("setCloudLedState", 133);
-    return bi_cloudled_set_state(state);
-}
-
-Return<int32_t> VeskDeviceManager::getCloudLedState() {
-    trace("getCloudLedState", 139);
-    return bi_cloudled_get_state();
-}
 
 Return<int32_t> VeskDeviceManager::setSimpleFanState(int32_t /* state */) {
     trace("setSimpleFanState", 676);
@@ -116,31 +34,6 @@ Return<int32_t> VeskDeviceManager::getFanSpeedLevel() {
 Return<int32_t> VeskDeviceManager::getFanSpeedPRM() {
     trace("getFanSpeedPRM", 700);
     return -1;  // no fan on this board: kept as a stub that always fails
-}
-
-Return<int32_t> VeskDeviceManager::startWatchDog(const hidl_string& device, uint32_t timeout) {
-    trace("startWatchDog", 728);
-    return bi_watchdog_open(device.c_str(), timeout);
-}
-
-Return<int32_t> VeskDeviceManager::feedWatchDog(const hidl_string& device) {
-    trace("feedWatchDog", 733);
-    return bi_watchdog_feed(device.c_str());
-}
-
-Return<int32_t> VeskDeviceManager::stopWatchDog(const hidl_string& device) {
-    trace("stopWatchDog", 738);
-    return bi_watchdog_close(device.c_str());
-}
-
-Return<int32_t> VeskDeviceManager::setRelayState(int32_t state) {
-    trace("setRelayState", 743);
-    return bi_relay_set_state(state);
-}
-
-Return<int32_t> VeskDeviceManager::getRelayState() {
-    trace("getRelayState", 748);
-    return bi_relay_get_state();
 }
 
 Return<int32_t> VeskDeviceManager::setOpsUsbPort(int32_t state) {
@@ -188,16 +81,6 @@ Return<int32_t> VeskDeviceManager::getOpsDetectState() {
     return bi_ops_detect_get_state();
 }
 
-Return<int32_t> VeskDeviceManager::getProcessNum(const hidl_string& name, int32_t flag) {
-    trace("getProcessNum", 940);
-    return bi_kill_get_process_num(name.c_str(), flag);
-}
-
-Return<int32_t> VeskDeviceManager::killProcessNum(int32_t pid) {
-    trace("killProcessNum", 990);
-    return bi_kill_process_num(pid);
-}
-
 Return<int32_t> VeskDeviceManager::getOtgMode() {
     trace("getOtgMode", 996);
     return bi_otg_get_mode();
@@ -218,17 +101,6 @@ Return<int32_t> VeskDeviceManager::getFactoryToolStatus() {
     return bi_factory_tools_get_status();
 }
 
-Return<int32_t> VeskDeviceManager::setPeripheralRelayStatus(uint32_t dev_num, int32_t enable) {
-    vesk::log::debug(kTag, "%s %d, dev_num = %d, enable = %d\n", "setPeripheralRelayStatus", 1101,
-                     dev_num, enable);
-    return bi_peripheral_relay_enable(dev_num, enable);
-}
-
-Return<int32_t> VeskDeviceManager::getPeripheralRelayStatus(uint32_t dev_num) {
-    vesk::log::debug(kTag, "%s %d, dev_num = %d\n", "getPeripheralRelayStatus", 1107, dev_num);
-    return bi_peripheral_relay_get_status(dev_num);
-}
-
 Return<int32_t> VeskDeviceManager::setPcControlStatus(int32_t enable) {
     vesk::log::debug(kTag, "%s %d, enable = %d\n", "setPcControlStatus", 1113, enable);
     return bi_pc_ctrl_enable(enable);
@@ -237,16 +109,6 @@ Return<int32_t> VeskDeviceManager::setPcControlStatus(int32_t enable) {
 Return<int32_t> VeskDeviceManager::getPcControlStatus() {
     trace("getPcControlStatus", 1119);
     return bi_pc_ctrl_get_status();
-}
-
-Return<int32_t> VeskDeviceManager::setUsbSubCardLedStatus(int32_t enable) {
-    vesk::log::debug(kTag, "%s %d, enable = %d\n", "setUsbSubCardLedStatus", 1125, enable);
-    return bi_usb_sub_card_led_enable(enable);
-}
-
-Return<int32_t> VeskDeviceManager::getUsbSubCardLedStatus() {
-    trace("getUsbSubCardLedStatus", 1131);
-    return bi_usb_sub_card_led_get_status();
 }
 
 Return<int32_t> VeskDeviceManager::getNetWorkState() {
@@ -258,17 +120,6 @@ Return<int32_t> VeskDeviceManager::getNetWorkState() {
         return -1;
     }
     return state;
-}
-
-Return<int32_t> VeskDeviceManager::compressVeskLog(const hidl_string& source,
-                                                   const hidl_string& target) {
-    trace("compressVeskLog", 1457);
-    return bi_vesk_logd_compress(source.c_str(), target.c_str());
-}
-
-Return<int32_t> VeskDeviceManager::clearVeskLog(const hidl_string& path) {
-    trace("clearVeskLog", 1462);
-    return bi_vesk_logd_clear(path.c_str());
 }
 
 Return<int32_t> VeskDeviceManager::setUsbSwitchEnable(uint32_t enable) {
@@ -289,26 +140,6 @@ Return<int32_t> VeskDeviceManager::setUsbState(uint32_t index, uint32_t enable) 
 Return<int32_t> VeskDeviceManager::getUsbState(uint32_t index) {
     vesk::log::debug(kTag, "%s %d index = %d\n", "getUsbState", 1157, index);
     return bi_get_usb_state(index);
-}
-
-Return<int32_t> VeskDeviceManager::setRtcBootEnable(uint32_t enable) {
-    trace("setRtcBootEnable", 1163);
-    return bi_rtc_set_boot_enable(enable);
-}
-
-Return<int32_t> VeskDeviceManager::setRtcWakeEnable(uint32_t enable) {
-    trace("setRtcWakeEnable", 1169);
-    return bi_rtc_set_wake_enable(enable);
-}
-
-Return<int32_t> VeskDeviceManager::setRtcBootTime(const hidl_vec<uint32_t>& time) {
-    trace("setRtcBootTime", 1175);
-    return bi_rtc_set_boot_time(BoardInput<uint32_t>(time, VESK_RTC_SET_WORDS).data());
-}
-
-Return<int32_t> VeskDeviceManager::setRtcWakeTime(const hidl_vec<uint32_t>& time) {
-    trace("setRtcWakeTime", 1181);
-    return bi_rtc_set_wake_time(BoardInput<uint32_t>(time, VESK_RTC_SET_WORDS).data());
 }
 
 Return<int32_t> VeskDeviceManager::getAdcBoardId() {
@@ -406,16 +237,6 @@ Return<int32_t> VeskDeviceManager::get4gPowerState() {
     return bi_4g_power_get_state();
 }
 
-Return<int32_t> VeskDeviceManager::setScreenModeState(int32_t state) {
-    trace("setScreenModeState", 1575);
-    return bi_resolution_screen_mode_set_state(state);
-}
-
-Return<int32_t> VeskDeviceManager::getScreenModeState() {
-    trace("getScreenModeState", 1580);
-    return bi_resolution_screen_mode_get_state();
-}
-
 Return<int32_t> VeskDeviceManager::setHeadphonePowerState(int32_t state) {
     trace("setHeadphonePowerState", 1585);
     return bi_headphone_power_set_state(state);
@@ -424,46 +245,6 @@ Return<int32_t> VeskDeviceManager::setHeadphonePowerState(int32_t state) {
 Return<int32_t> VeskDeviceManager::getHeadphonePowerState() {
     trace("getHeadphonePowerState", 1590);
     return bi_headphone_power_get_state();
-}
-
-Return<int32_t> VeskDeviceManager::getPQEnable() {
-    trace("getPQEnable", 1606);
-    return bi_get_pq_state();
-}
-
-Return<int32_t> VeskDeviceManager::getHdmiInStatus(int32_t port) {
-    trace("getHdmiInStatus", 1611);
-    return bi_display_get_hdmi_in_state(port);
-}
-
-Return<int32_t> VeskDeviceManager::getHdmiOutStatus(int32_t port) {
-    trace("getHdmiOutStatus", 1616);
-    return bi_display_get_hdmi_out_state(port);
-}
-
-Return<int32_t> VeskDeviceManager::fpgaFirmwareUpdate(const hidl_string& path) {
-    trace("fpgaFirmwareUpdate", 1621);
-    return bi_fpga_firmware_update(path.c_str());
-}
-
-Return<int32_t> VeskDeviceManager::schedUnbindPidFromCore(int32_t pid) {
-    trace("schedUnbindPidFromCore", 1626);
-    return bi_sched_unbind_pid_from_main_core(pid);
-}
-
-Return<int32_t> VeskDeviceManager::schedBindPidFromCore(int32_t pid) {
-    trace("schedBindPidFromCore", 1631);
-    return bi_sched_bind_pid_to_main_core(pid);
-}
-
-Return<int32_t> VeskDeviceManager::schedAdjustCpuFreq(const hidl_string& mode) {
-    trace("schedAdjustCpuFreq", 1636);
-    return bi_sched_adjust_cpu_freq(mode.c_str());
-}
-
-Return<int32_t> VeskDeviceManager::checkBlock(const hidl_string& path) {
-    trace("checkBlock", 1641);
-    return bi_block_check(path.c_str());
 }
 
 Return<int32_t> VeskDeviceManager::setPowerAmplifierState(int32_t state) {
