@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "ServiceTrace.h"
+#include "TraceLines.h"
 #include "VeskDeviceManager.h"
 
 namespace vesk::hardware::veskdevicemanager::implementation {
@@ -39,7 +40,7 @@ void copyLogField(LogRecordBuffer& record, size_t index, const hidl_string& text
 }  // namespace
 
 Return<int32_t> VeskDeviceManager::setVeskLogConfigure(const VeskLogInfo& info) {
-    trace("setVeskLogConfigure", 1436);
+    trace("setVeskLogConfigure", VESK_TRACE_LINE("setVeskLogConfigure"));
     LogRecordBuffer record;
     copyLogField(record, 0, info.level);
     copyLogField(record, 1, info.base);
@@ -62,7 +63,7 @@ Return<int32_t> VeskDeviceManager::setVeskLogConfigure(const VeskLogInfo& info) 
 
 // Zero is the board's failure here, unlike the setter's negative results.
 Return<void> VeskDeviceManager::getVeskLogConfigure(getVeskLogConfigure_cb _hidl_cb) {
-    trace("getVeskLogConfigure", 1410);
+    trace("getVeskLogConfigure", VESK_TRACE_LINE("getVeskLogConfigure"));
     LogRecordBuffer record;
     VeskLogInfo info{};
     int ret = bi_vesk_logd_get_configure(record.bytes);
@@ -88,12 +89,12 @@ Return<void> VeskDeviceManager::getVeskLogConfigure(getVeskLogConfigure_cb _hidl
 
 Return<int32_t> VeskDeviceManager::compressVeskLog(const hidl_string& source,
                                                    const hidl_string& target) {
-    trace("compressVeskLog", 1457);
+    trace("compressVeskLog", VESK_TRACE_LINE("compressVeskLog"));
     return bi_vesk_logd_compress(source.c_str(), target.c_str());
 }
 
 Return<int32_t> VeskDeviceManager::clearVeskLog(const hidl_string& path) {
-    trace("clearVeskLog", 1462);
+    trace("clearVeskLog", VESK_TRACE_LINE("clearVeskLog"));
     return bi_vesk_logd_clear(path.c_str());
 }
 

@@ -4,13 +4,14 @@
 #include <vesksdk.h>
 
 #include "ServiceTrace.h"
+#include "TraceLines.h"
 #include "VeskDeviceManager.h"
 #include "VeskPlatform.h"
 
 namespace vesk::hardware::veskdevicemanager::implementation {
 
 Return<int32_t> VeskDeviceManager::setPQEnable(int32_t enable) {
-    trace("setPQEnable", 1595);
+    trace("setPQEnable", VESK_TRACE_LINE("setPQEnable"));
     if (enable == 1) {
         vesk::platform::runCommand("test-systemcontrol --p 1 1");
     } else if (enable == 0) {
@@ -20,13 +21,13 @@ Return<int32_t> VeskDeviceManager::setPQEnable(int32_t enable) {
 }
 
 Return<int32_t> VeskDeviceManager::getPQEnable() {
-    trace("getPQEnable", 1606);
+    trace("getPQEnable", VESK_TRACE_LINE("getPQEnable"));
     return bi_get_pq_state();
 }
 
 // Both commands also select 2160p60hz: HDR switching always sets that output mode.
 Return<int32_t> VeskDeviceManager::setHDREnable(int32_t enable) {
-    trace("setHDREnable", 1646);
+    trace("setHDREnable", VESK_TRACE_LINE("setHDREnable"));
     if (enable == 0) {
         int status = vesk::platform::runCommand(
                 "/system/bin/test-systemcontrol -d sdr rgb,8bit 2160p60hz");

@@ -13,6 +13,7 @@
 #include "BoardText.h"
 #include "ProductRecordCache.h"
 #include "ServiceTrace.h"
+#include "TraceLines.h"
 #include "VeskDeviceManager.h"
 
 namespace vesk::hardware::veskdevicemanager::implementation {
@@ -96,7 +97,7 @@ void forgetProductRecord() {
 }
 
 Return<void> VeskDeviceManager::getProductInfo(getProductInfo_cb _hidl_cb) {
-    trace("getProductInfo", 146);
+    trace("getProductInfo", VESK_TRACE_LINE("getProductInfo"));
     ProductInfo info{};
     {
         ProductCache& cache = productCache();
@@ -142,7 +143,7 @@ Return<int32_t> VeskDeviceManager::setProductInfo(int32_t useDhcp) {
 }
 
 Return<int32_t> VeskDeviceManager::getProtocolType() {
-    trace("getProtocolType", 221);
+    trace("getProtocolType", VESK_TRACE_LINE("getProtocolType"));
     return bi_info_get_protocol_type();
 }
 

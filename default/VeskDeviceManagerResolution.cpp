@@ -15,6 +15,7 @@
 #include "BoardText.h"
 #include "DisplayModeControl.h"
 #include "ServiceTrace.h"
+#include "TraceLines.h"
 #include "VeskDeviceManager.h"
 
 namespace vesk::hardware::veskdevicemanager::implementation {
@@ -56,14 +57,15 @@ constexpr int kMaxListRecords = VESK_RESOLUTION_LIST_BYTES / sizeof(vesk_resolut
 
 Return<void> VeskDeviceManager::calculateResolutionParameters(
         uint32_t width, uint32_t height, uint32_t fps, calculateResolutionParameters_cb _hidl_cb) {
-    vesk::log::info(kTag, "%s %d\n", "calculateResolutionParameters", 1222);
+    vesk::log::info(kTag, "%s %d\n", "calculateResolutionParameters",
+                    VESK_TRACE_LINE("calculateResolutionParameters"));
     vesk_resolution_record result;
     memset(&result, 0, sizeof(result));
     int modelId = readModelId();
     DisplayModeControl control;
     if (computesOutputMode(modelId)) {
-        vesk::log::info(kTag, "%s %d modid %d case\n", "calculateResolutionParameters", 1236,
-                        modelId);
+        vesk::log::info(kTag, "%s %d modid %d case\n", "calculateResolutionParameters",
+                        VESK_TRACE_LINE("calculateResolutionParameters", "computed model"), modelId);
         // The requested rate is not used: the mode is always computed for 60 Hz.
         int verdict = control.verify(modelId, width, height, 60);
         if (verdict != 1) {
@@ -89,11 +91,12 @@ Return<void> VeskDeviceManager::getResolutionParameters(getResolutionParameters_
     timing_t timing{};
     if (computesOutputMode(modelId)) {
         vesk::log::info(kTag, "%s %d RZ30Max or RZ8K or RZ8KMAX case\n", "getResolutionParameters",
-                        1273);
+                        VESK_TRACE_LINE("getResolutionParameters", "computed model"));
         control.getHDMIOutputMode(timing);
         vesk::log::info(kTag, "%s %d timing.h_active:%d timing.v_active:%d timing.v_freq:%f \n",
-                        "getResolutionParameters", 1276, timing.h_active, timing.v_active,
-                        timing.v_freq);
+                        "getResolutionParameters",
+                        VESK_TRACE_LINE("getResolutionParameters", "timing"), timing.h_active,
+                        timing.v_active, timing.v_freq);
         // A stored mode keeps its rate in mHz; the native mode's 60 Hz therefore reads as 0.
         result = {timing.h_active, timing.v_active, wholeFrames(timing.v_freq) / 1000, 1};
     } else {
@@ -128,7 +131,7 @@ Return<void> VeskDeviceManager::getResolutionParametersList(getResolutionParamet
 Return<void> VeskDeviceManager::getEdidFromDefined(uint8_t index, uint16_t width, uint16_t height,
                                                    float refresh, getEdidFromDefined_cb _hidl_cb) {
     hidl_vec<uint8_t> edid(VESK_EDID_SIZE);
-    trace("getEdidFromDefined", 1316);
+    trace("getEdidFromDefined", VESK_TRACE_LINE("getEdidFromDefined"));
     if (bi_resolution_get_edid_from_defined(index, width, height, edid.data(), refresh) < 0) {
         vesk::log::error(kTag, "%s bi_resolution_get_edid_from_defined failed\n",
                          "getEdidFromDefined");
@@ -152,7 +155,7 @@ Return<void> VeskDeviceManager::getResolutionByEdid(const hidl_vec<uint8_t>& edi
                                                     getResolutionByEdid_cb _hidl_cb) {
     vesk_resolution_record record;
     memset(&record, 0, sizeof(record));
-    trace("getResolutionByEdid", 1346);
+    trace("getResolutionByEdid", VESK_TRACE_LINE("getResolutionByEdid"));
     if (edid.size() != VESK_EDID_SIZE) {
         vesk::log::error(kTag, "%s invalid edid size = %u not eq to 256\n", "getResolutionByEdid",
                          static_cast<unsigned>(edid.size()));
@@ -173,22 +176,22 @@ Return<void> VeskDeviceManager::getResolutionByEdid(const hidl_vec<uint8_t>& edi
 }
 
 Return<int32_t> VeskDeviceManager::setScreenModeState(int32_t state) {
-    trace("setScreenModeState", 1575);
+    trace("setScreenModeState", VESK_TRACE_LINE("setScreenModeState"));
     return bi_resolution_screen_mode_set_state(state);
 }
 
 Return<int32_t> VeskDeviceManager::getScreenModeState() {
-    trace("getScreenModeState", 1580);
+    trace("getScreenModeState", VESK_TRACE_LINE("getScreenModeState"));
     return bi_resolution_screen_mode_get_state();
 }
 
 Return<int32_t> VeskDeviceManager::getHdmiInStatus(int32_t port) {
-    trace("getHdmiInStatus", 1611);
+    trace("getHdmiInStatus", VESK_TRACE_LINE("getHdmiInStatus"));
     return bi_display_get_hdmi_in_state(port);
 }
 
 Return<int32_t> VeskDeviceManager::getHdmiOutStatus(int32_t port) {
-    trace("getHdmiOutStatus", 1616);
+    trace("getHdmiOutStatus", VESK_TRACE_LINE("getHdmiOutStatus"));
     return bi_display_get_hdmi_out_state(port);
 }
 

@@ -11,18 +11,19 @@
 
 #include "BoardText.h"
 #include "ServiceTrace.h"
+#include "TraceLines.h"
 #include "VeskDeviceManager.h"
 #include "VeskPlatform.h"
 
 namespace vesk::hardware::veskdevicemanager::implementation {
 
 Return<int32_t> VeskDeviceManager::getProcessNum(const hidl_string& name, int32_t flag) {
-    trace("getProcessNum", 940);
+    trace("getProcessNum", VESK_TRACE_LINE("getProcessNum"));
     return bi_kill_get_process_num(name.c_str(), flag);
 }
 
 Return<void> VeskDeviceManager::getProcessInfo(const hidl_string& name, getProcessInfo_cb _hidl_cb) {
-    trace("getProcessInfo", 949);
+    trace("getProcessInfo", VESK_TRACE_LINE("getProcessInfo"));
     ProcessInfo info{};
     auto* record = static_cast<vesk_process_record*>(calloc(1, sizeof(vesk_process_record)));
     if (record == nullptr) {
@@ -49,12 +50,12 @@ Return<void> VeskDeviceManager::getProcessInfo(const hidl_string& name, getProce
 }
 
 Return<int32_t> VeskDeviceManager::killProcessNum(int32_t pid) {
-    trace("killProcessNum", 990);
+    trace("killProcessNum", VESK_TRACE_LINE("killProcessNum"));
     return bi_kill_process_num(pid);
 }
 
 Return<void> VeskDeviceManager::getUsbList(getUsbList_cb _hidl_cb) {
-    trace("getUsbList", 1013);
+    trace("getUsbList", VESK_TRACE_LINE("getUsbList"));
     auto* record = static_cast<vesk_usb_list_record*>(calloc(1, sizeof(vesk_usb_list_record)));
     hidl_vec<UsbList> list;
     if (record != nullptr) {
@@ -75,7 +76,7 @@ Return<void> VeskDeviceManager::getUsbList(getUsbList_cb _hidl_cb) {
 }
 
 Return<void> VeskDeviceManager::getCpuStatus(getCpuStatus_cb _hidl_cb) {
-    trace("getCpuStatus", 1037);
+    trace("getCpuStatus", VESK_TRACE_LINE("getCpuStatus"));
     vesk_cpu_record record;
     memset(&record, 0, sizeof(record));
     CpuStatus status{};
@@ -102,7 +103,7 @@ Return<void> VeskDeviceManager::getCpuStatus(getCpuStatus_cb _hidl_cb) {
 
 // The method's own name stands in the version text; clients parse it as it is.
 Return<void> VeskDeviceManager::getVndkVersion(getVndkVersion_cb _hidl_cb) {
-    trace("getVndkVersion", 1074);
+    trace("getVndkVersion", VESK_TRACE_LINE("getVndkVersion"));
     char version[100];
     snprintf(version, sizeof(version), "%s:1.0", "getVndkVersion");
     _hidl_cb(version);
@@ -110,22 +111,22 @@ Return<void> VeskDeviceManager::getVndkVersion(getVndkVersion_cb _hidl_cb) {
 }
 
 Return<int32_t> VeskDeviceManager::schedUnbindPidFromCore(int32_t pid) {
-    trace("schedUnbindPidFromCore", 1626);
+    trace("schedUnbindPidFromCore", VESK_TRACE_LINE("schedUnbindPidFromCore"));
     return bi_sched_unbind_pid_from_main_core(pid);
 }
 
 Return<int32_t> VeskDeviceManager::schedBindPidFromCore(int32_t pid) {
-    trace("schedBindPidFromCore", 1631);
+    trace("schedBindPidFromCore", VESK_TRACE_LINE("schedBindPidFromCore"));
     return bi_sched_bind_pid_to_main_core(pid);
 }
 
 Return<int32_t> VeskDeviceManager::schedAdjustCpuFreq(const hidl_string& mode) {
-    trace("schedAdjustCpuFreq", 1636);
+    trace("schedAdjustCpuFreq", VESK_TRACE_LINE("schedAdjustCpuFreq"));
     return bi_sched_adjust_cpu_freq(mode.c_str());
 }
 
 Return<int32_t> VeskDeviceManager::setSystemShutDown() {
-    trace("setSystemShutDown", 1497);
+    trace("setSystemShutDown", VESK_TRACE_LINE("setSystemShutDown"));
     vesk::platform::runCommand("/system/bin/reboot -p");
     return 0;
 }

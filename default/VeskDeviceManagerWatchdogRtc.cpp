@@ -12,6 +12,7 @@
 #include "BoardInput.h"
 #include "BoardText.h"
 #include "ServiceTrace.h"
+#include "TraceLines.h"
 #include "VeskDeviceManager.h"
 
 namespace vesk::hardware::veskdevicemanager::implementation {
@@ -47,48 +48,48 @@ Return<void> VeskDeviceManager::getWatchDogCfg(getWatchDogCfg_cb _hidl_cb) {
 }
 
 Return<int32_t> VeskDeviceManager::startWatchDog(const hidl_string& device, uint32_t timeout) {
-    trace("startWatchDog", 728);
+    trace("startWatchDog", VESK_TRACE_LINE("startWatchDog"));
     return bi_watchdog_open(device.c_str(), timeout);
 }
 
 Return<int32_t> VeskDeviceManager::feedWatchDog(const hidl_string& device) {
-    trace("feedWatchDog", 733);
+    trace("feedWatchDog", VESK_TRACE_LINE("feedWatchDog"));
     return bi_watchdog_feed(device.c_str());
 }
 
 Return<int32_t> VeskDeviceManager::stopWatchDog(const hidl_string& device) {
-    trace("stopWatchDog", 738);
+    trace("stopWatchDog", VESK_TRACE_LINE("stopWatchDog"));
     return bi_watchdog_close(device.c_str());
 }
 
 Return<int32_t> VeskDeviceManager::setRtcBootEnable(uint32_t enable) {
-    trace("setRtcBootEnable", 1163);
+    trace("setRtcBootEnable", VESK_TRACE_LINE("setRtcBootEnable"));
     return bi_rtc_set_boot_enable(enable);
 }
 
 Return<int32_t> VeskDeviceManager::setRtcWakeEnable(uint32_t enable) {
-    trace("setRtcWakeEnable", 1169);
+    trace("setRtcWakeEnable", VESK_TRACE_LINE("setRtcWakeEnable"));
     return bi_rtc_set_wake_enable(enable);
 }
 
 Return<int32_t> VeskDeviceManager::setRtcBootTime(const hidl_vec<uint32_t>& time) {
-    trace("setRtcBootTime", 1175);
+    trace("setRtcBootTime", VESK_TRACE_LINE("setRtcBootTime"));
     return bi_rtc_set_boot_time(BoardInput<uint32_t>(time, VESK_RTC_SET_WORDS).data());
 }
 
 Return<int32_t> VeskDeviceManager::setRtcWakeTime(const hidl_vec<uint32_t>& time) {
-    trace("setRtcWakeTime", 1181);
+    trace("setRtcWakeTime", VESK_TRACE_LINE("setRtcWakeTime"));
     return bi_rtc_set_wake_time(BoardInput<uint32_t>(time, VESK_RTC_SET_WORDS).data());
 }
 
 Return<void> VeskDeviceManager::getRtcBootTime(getRtcBootTime_cb _hidl_cb) {
-    return getRtcTime("getRtcBootTime", 1188, bi_rtc_get_boot_time, "bi_rtc_get_boot_time failed",
-                      _hidl_cb);
+    return getRtcTime("getRtcBootTime", VESK_TRACE_LINE("getRtcBootTime"), bi_rtc_get_boot_time,
+                      "bi_rtc_get_boot_time failed", _hidl_cb);
 }
 
 Return<void> VeskDeviceManager::getRtcWakeTime(getRtcWakeTime_cb _hidl_cb) {
-    return getRtcTime("getRtcWakeTime", 1205, bi_rtc_get_wake_time, "bi_rtc_get_wake_time failed",
-                      _hidl_cb);
+    return getRtcTime("getRtcWakeTime", VESK_TRACE_LINE("getRtcWakeTime"), bi_rtc_get_wake_time,
+                      "bi_rtc_get_wake_time failed", _hidl_cb);
 }
 
 }  // namespace vesk::hardware::veskdevicemanager::implementation

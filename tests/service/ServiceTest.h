@@ -14,6 +14,7 @@
 #include "BoardReset.h"
 #include "ProductRecordCache.h"
 #include "TestRoot.h"
+#include "TraceLines.h"
 #include "VeskDeviceManager.h"
 
 namespace vesk::test {
@@ -33,6 +34,14 @@ inline std::string hexOf(const std::string& bytes) {
 inline void putText(std::string& record, size_t offset, const std::string& text) {
     if (record.size() < offset + text.size()) record.resize(offset + text.size());
     record.replace(offset, text.size(), text);
+}
+
+using ::vesk::hardware::veskdevicemanager::implementation::traceLine;
+
+// "METHOD LINE", how the method's trace lines begin (its own, or the further one named by
+// `where`), the line taken from the service's one table of trace points.
+inline std::string traced(const char* method, const char* where = "") {
+    return std::string(method) + " " + std::to_string(traceLine(method, where));
 }
 
 inline constexpr char kServiceTag[] = "vesk_system_hidl_device";
