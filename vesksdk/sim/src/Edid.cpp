@@ -1,8 +1,6 @@
 #include "Edid.h"
 
-extern "C" {
 #include <libxcvt/libxcvt.h>
-}
 
 #include <cmath>
 #include <cstdio>
