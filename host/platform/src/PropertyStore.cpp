@@ -20,6 +20,7 @@
 #include <cstring>
 #include <mutex>
 #include <string>
+#include <vector>
 
 #include "HostInternal.h"
 #include "vesk/host/DeviceRoot.h"
@@ -108,6 +109,9 @@ Store* currentStore() {
     std::string root = vesk::host::deviceRoot();
     store = gStore.load(std::memory_order_acquire);
     if (store == nullptr || store->generation != generation) {
+        // The stores of earlier roots stay reachable here: kept, not leaked.
+        static auto* earlier = new std::vector<Store*>();  // never destroyed
+        if (store != nullptr) earlier->push_back(store);
         store = openStore(generation, root);
         gStore.store(store, std::memory_order_release);
     }
