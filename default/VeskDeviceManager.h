@@ -1,7 +1,23 @@
 /*
  * The device manager service: one method per slot of IVeskDeviceManager. Almost every method
- * traces the call and forwards it to one board function of libvesksdk; the methods are grouped
- * by device across the VeskDeviceManager*.cpp files.
+ * traces the call and forwards it to one board function of libvesksdk.
+ *
+ * Where a method lives: one file per group of devices, holding every method of its group, the
+ * simple forwarders included; a method belongs to its device, never to a file of its kind.
+ *   VeskDeviceManager.cpp                  construction, the factory, hwInvoke, hwRegistCallback
+ *   VeskDeviceManagerLeds.cpp              LEDs and relays
+ *   VeskDeviceManagerWatchdogRtc.cpp       watchdog and RTC
+ *   VeskDeviceManagerSerial.cpp            the seven serial channels
+ *   VeskDeviceManagerBlocks.cpp            data blocks and the FPGA (load, firmware, SPI)
+ *   VeskDeviceManagerProduct.cpp           product information
+ *   VeskDeviceManagerSystem.cpp            system records (processes, USB list, CPU, version)
+ *                                          and the shell's power-off
+ *   VeskDeviceManagerResolution.cpp        display and resolution (output mode, EDIDs, HDMI)
+ *   VeskDeviceManagerLog.cpp               the log daemon
+ *   VeskDeviceManagerPictureQuality.cpp    picture quality and HDR
+ *   VeskDeviceManagerPower.cpp             power and the other devices (fans, OPS, USB, audio,
+ *                                          4G, sensors...)
+ * The trace's line numbers belong to the methods, not to these files: TraceLines.h holds them.
  */
 #pragma once
 

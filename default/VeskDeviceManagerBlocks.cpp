@@ -1,11 +1,13 @@
 /*
- * Data blocks (defined, screen, FPGA program, named) and the FPGA's load and SPI calls.
+ * Data blocks (defined, screen, FPGA program, named, their check) and the FPGA's load, firmware
+ * update and SPI calls.
  */
 #include <unistd.h>
 #include <vesksdk.h>
 
 #include "BoardInput.h"
 #include "ServiceTrace.h"
+#include "TraceLines.h"
 #include "VeskDeviceManager.h"
 #include "VeskPlatform.h"
 
@@ -20,14 +22,14 @@ bool blockExists(const hidl_string& path) {
 
 Return<int32_t> VeskDeviceManager::writeBlockDataDefined(const hidl_vec<uint8_t>& data,
                                                          uint32_t offset) {
-    trace("writeBlockDataDefined", 754);
+    trace("writeBlockDataDefined", VESK_TRACE_LINE("writeBlockDataDefined"));
     return bi_block_write_defined(offset, data.data(), data.size());
 }
 
 Return<void> VeskDeviceManager::readBlockDataDefined(uint32_t length, uint32_t offset,
                                                      readBlockDataDefined_cb _hidl_cb) {
-    vesk::log::debug(kTag, "%s %d length = %u offset = %u\n", "readBlockDataDefined", 762, length,
-                     offset);
+    vesk::log::debug(kTag, "%s %d length = %u offset = %u\n", "readBlockDataDefined",
+                     VESK_TRACE_LINE("readBlockDataDefined"), length, offset);
     hidl_vec<uint8_t> data(length);
     if (bi_block_read_defined(offset, data.data(), length) < 0) {
         vesk::log::error(kTag, "%s: bi_block_read_defined failed\n", "readBlockDataDefined");
@@ -39,14 +41,14 @@ Return<void> VeskDeviceManager::readBlockDataDefined(uint32_t length, uint32_t o
 
 Return<int32_t> VeskDeviceManager::writeBlockDataScreen(const hidl_vec<uint8_t>& data,
                                                         uint32_t offset) {
-    trace("writeBlockDataScreen", 778);
+    trace("writeBlockDataScreen", VESK_TRACE_LINE("writeBlockDataScreen"));
     return bi_block_write_screen(offset, data.data(), data.size());
 }
 
 Return<void> VeskDeviceManager::readBlockDataScreen(uint32_t length, uint32_t offset,
                                                     readBlockDataScreen_cb _hidl_cb) {
-    vesk::log::debug(kTag, "%s %d length = %u offset = %u\n", "readBlockDataScreen", 786, length,
-                     offset);
+    vesk::log::debug(kTag, "%s %d length = %u offset = %u\n", "readBlockDataScreen",
+                     VESK_TRACE_LINE("readBlockDataScreen"), length, offset);
     hidl_vec<uint8_t> data(length);
     int ret = bi_block_read_screen(offset, data.data(), length);
     if (ret < 0) {
@@ -59,26 +61,26 @@ Return<void> VeskDeviceManager::readBlockDataScreen(uint32_t length, uint32_t of
 }
 
 Return<int32_t> VeskDeviceManager::loadFPGAProgram() {
-    trace("loadFPGAProgram", 802);
+    trace("loadFPGAProgram", VESK_TRACE_LINE("loadFPGAProgram"));
     return bi_fpga_load_program();
 }
 
 Return<int32_t> VeskDeviceManager::loadFPGAParamBlockData() {
-    trace("loadFPGAParamBlockData", 807);
+    trace("loadFPGAParamBlockData", VESK_TRACE_LINE("loadFPGAParamBlockData"));
     return bi_fpga_load_parameter();
 }
 
 // The board receives `length`, not the vector's size: kept as the FPGA tools use it.
 Return<int32_t> VeskDeviceManager::setFPGAProgramBlockData(const hidl_vec<uint8_t>& data,
                                                            uint32_t length, uint32_t offset) {
-    trace("setFPGAProgramBlockData", 812);
+    trace("setFPGAProgramBlockData", VESK_TRACE_LINE("setFPGAProgramBlockData"));
     // The board reads `length` bytes: past a shorter vector it reads zeros.
     return bi_block_write_fpga_program(offset, BoardInput<uint8_t>(data, length).data(), length);
 }
 
 Return<void> VeskDeviceManager::getFPGAProgramBlockData(uint32_t length, uint32_t offset,
                                                         getFPGAProgramBlockData_cb _hidl_cb) {
-    trace("getFPGAProgramBlockData", 818);
+    trace("getFPGAProgramBlockData", VESK_TRACE_LINE("getFPGAProgramBlockData"));
     hidl_vec<uint8_t> data(length);
     int ret = bi_block_read_fpga_program(offset, data.data(), length);
     if (ret < 0) {
@@ -94,7 +96,8 @@ Return<void> VeskDeviceManager::getFPGAProgramBlockData(uint32_t length, uint32_
 Return<int32_t> VeskDeviceManager::writeBlockData(const hidl_string& path, uint32_t offset,
                                                   uint32_t /* length */,
                                                   const hidl_vec<uint8_t>& data) {
-    vesk::log::debug(kTag, "%s %d path = %s\n", "writeBlockData", 838, path.c_str());
+    vesk::log::debug(kTag, "%s %d path = %s\n", "writeBlockData", VESK_TRACE_LINE("writeBlockData"),
+                     path.c_str());
     if (!blockExists(path)) {
         vesk::log::error(kTag, "%s: %s not exist\n", "writeBlockData", path.c_str());
         return 0;
@@ -110,7 +113,8 @@ Return<int32_t> VeskDeviceManager::writeBlockData(const hidl_string& path, uint3
 
 Return<void> VeskDeviceManager::readBlockData(const hidl_string& path, uint32_t offset,
                                               uint32_t length, readBlockData_cb _hidl_cb) {
-    vesk::log::debug(kTag, "%s %d path = %s\n", "readBlockData", 861, path.c_str());
+    vesk::log::debug(kTag, "%s %d path = %s\n", "readBlockData", VESK_TRACE_LINE("readBlockData"),
+                     path.c_str());
     hidl_vec<uint8_t> data;
     if (!blockExists(path)) {
         vesk::log::error(kTag, "%s: %s not exist\n", "readBlockData", path.c_str());
@@ -151,6 +155,16 @@ Return<void> VeskDeviceManager::readSpiFpga(int32_t size, readSpiFpga_cb _hidl_c
     if (ret >= 0 && ret < size) buffer.resize(ret);
     _hidl_cb(ret, buffer);
     return Void();
+}
+
+Return<int32_t> VeskDeviceManager::fpgaFirmwareUpdate(const hidl_string& path) {
+    trace("fpgaFirmwareUpdate", VESK_TRACE_LINE("fpgaFirmwareUpdate"));
+    return bi_fpga_firmware_update(path.c_str());
+}
+
+Return<int32_t> VeskDeviceManager::checkBlock(const hidl_string& path) {
+    trace("checkBlock", VESK_TRACE_LINE("checkBlock"));
+    return bi_block_check(path.c_str());
 }
 
 }  // namespace vesk::hardware::veskdevicemanager::implementation

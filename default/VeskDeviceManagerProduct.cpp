@@ -4,27 +4,51 @@
 #include <vesksdk.h>
 #include <vesksdk_records.h>
 
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
 
 #include "BoardText.h"
+#include "ProductRecordCache.h"
 #include "ServiceTrace.h"
+#include "TraceLines.h"
 #include "VeskDeviceManager.h"
 
 namespace vesk::hardware::veskdevicemanager::implementation {
 namespace {
 
-constexpr size_t kRecordSize = VESK_PRODUCT_RECORD_SIZE;
+constexpr size_t kRecordSize = sizeof(vesk_product_record);
 
-// Offsets of the 21 text slots, in the order of ProductInfo's string fields.
-constexpr size_t kTextOffsets[] = {0,    64,   96,   128,  256,  320,  384,  448,  480,  512, 544,
-                                   1600, 1632, 1664, 1696, 1728, 1760, 1792, 1856, 1952, 1984};
-constexpr size_t kFlag1Offset = 1568;
-constexpr size_t kFlag2Offset = 1824;
-constexpr size_t kFlag3Offset = 1920;
-constexpr size_t kUseDhcpOffset = VESK_PRODUCT_USE_DHCP_OFFSET;
+// The 21 text slots, in the order of ProductInfo's string fields.
+constexpr size_t kTextOffsets[] = {
+        offsetof(vesk_product_record, vendor),
+        offsetof(vesk_product_record, model_id),
+        offsetof(vesk_product_record, hardware_version),
+        offsetof(vesk_product_record, product_name),
+        offsetof(vesk_product_record, serial_number),
+        offsetof(vesk_product_record, manufacture_date),
+        offsetof(vesk_product_record, firmware_version),
+        offsetof(vesk_product_record, mac),
+        offsetof(vesk_product_record, ip_address),
+        offsetof(vesk_product_record, netmask),
+        offsetof(vesk_product_record, description),
+        offsetof(vesk_product_record, gateway),
+        offsetof(vesk_product_record, dns1),
+        offsetof(vesk_product_record, dns2),
+        offsetof(vesk_product_record, wifi_mac),
+        offsetof(vesk_product_record, bt_mac),
+        offsetof(vesk_product_record, panel),
+        offsetof(vesk_product_record, customer),
+        offsetof(vesk_product_record, android_version),
+        offsetof(vesk_product_record, region),
+        offsetof(vesk_product_record, language),
+};
+constexpr size_t kFlag1Offset = offsetof(vesk_product_record, has_4g);
+constexpr size_t kFlag2Offset = offsetof(vesk_product_record, has_wifi);
+constexpr size_t kFlag3Offset = offsetof(vesk_product_record, has_ops);
+constexpr size_t kUseDhcpOffset = offsetof(vesk_product_record, use_dhcp);
 
 // The board is asked for the record at most once per process. After a failed read the record
 // is released and later calls answer an empty ProductInfo without asking again.
@@ -64,8 +88,16 @@ void fillProductInfo(const char* record, ProductInfo& info) {
 
 }  // namespace
 
+void forgetProductRecord() {
+    ProductCache& cache = productCache();
+    std::lock_guard<std::mutex> lock(cache.mutex);
+    free(cache.record);
+    cache.record = nullptr;
+    cache.readFailed = false;
+}
+
 Return<void> VeskDeviceManager::getProductInfo(getProductInfo_cb _hidl_cb) {
-    trace("getProductInfo", 146);
+    trace("getProductInfo", VESK_TRACE_LINE("getProductInfo"));
     ProductInfo info{};
     {
         ProductCache& cache = productCache();
@@ -111,7 +143,7 @@ Return<int32_t> VeskDeviceManager::setProductInfo(int32_t useDhcp) {
 }
 
 Return<int32_t> VeskDeviceManager::getProtocolType() {
-    trace("getProtocolType", 221);
+    trace("getProtocolType", VESK_TRACE_LINE("getProtocolType"));
     return bi_info_get_protocol_type();
 }
 

@@ -1,20 +1,110 @@
 /*
- * Resolution list and EDID queries.
+ * Display and resolution: the HDMI output mode (on the board models whose mode the service
+ * computes itself, a DisplayModeControl made for the call validates, applies or reads it back;
+ * every other model is left to the board library), the resolution list, the EDID queries, the
+ * screen mode and the HDMI input and output states.
  */
 #include <vesksdk.h>
 #include <vesksdk_records.h>
 
+#include <cmath>
+#include <cstddef>
+#include <cstdlib>
 #include <cstring>
 
+#include "BoardText.h"
+#include "DisplayModeControl.h"
 #include "ServiceTrace.h"
+#include "TraceLines.h"
 #include "VeskDeviceManager.h"
 
 namespace vesk::hardware::veskdevicemanager::implementation {
 namespace {
 
+// The models of DisplayModeControl's allow list (RZ30Max, RZ8K, RZ8KMAX...).
+constexpr int kComputedModels[] = {VESK_COMPUTED_MODELS};
+
+bool computesOutputMode(int modelId) {
+    for (int model : kComputedModels) {
+        if (model == modelId) return true;
+    }
+    return false;
+}
+
+// The product's model number: the decimal text of model_id in a fresh product record.
+int readModelId() {
+    char record[sizeof(vesk_product_record)];
+    memset(record, 0, sizeof(record));
+    bi_info_get_product_info(record);
+    return atoi(recordText(record, sizeof(record), offsetof(vesk_product_record, model_id)).c_str());
+}
+
+// A rate truncated to whole frames; a rate that is not a finite, non-negative 32-bit value
+// reads as 0.
+uint32_t wholeFrames(double rate) {
+    double truncated = std::trunc(rate);
+    if (!std::isfinite(truncated) || truncated < 0 || truncated > 4294967295.0) return 0;
+    return static_cast<uint32_t>(truncated);
+}
+
+VeskEffeResolution toResolution(const vesk_resolution_record& record) {
+    return VeskEffeResolution{record.width, record.height, record.fps, record.status};
+}
+
 constexpr int kMaxListRecords = VESK_RESOLUTION_LIST_BYTES / sizeof(vesk_resolution_record);
 
 }  // namespace
+
+Return<void> VeskDeviceManager::calculateResolutionParameters(
+        uint32_t width, uint32_t height, uint32_t fps, calculateResolutionParameters_cb _hidl_cb) {
+    vesk::log::info(kTag, "%s %d\n", "calculateResolutionParameters",
+                    VESK_TRACE_LINE("calculateResolutionParameters"));
+    vesk_resolution_record result;
+    memset(&result, 0, sizeof(result));
+    int modelId = readModelId();
+    DisplayModeControl control;
+    if (computesOutputMode(modelId)) {
+        vesk::log::info(kTag, "%s %d modid %d case\n", "calculateResolutionParameters",
+                        VESK_TRACE_LINE("calculateResolutionParameters", "computed model"), modelId);
+        // The requested rate is not used: the mode is always computed for 60 Hz.
+        int verdict = control.verify(modelId, width, height, 60);
+        if (verdict != 1) {
+            result = {width, height, 60, verdict};
+        } else {
+            int status = control.setHDMIOutputMode();
+            timing_t timing = control.getCurrentOutputModeTiming();
+            result = {timing.h_active, timing.v_active, wholeFrames(timing.v_freq), status};
+        }
+    } else {
+        vesk::log::info(kTag, "using default resolution case\n");
+        bi_resolution_calculate_parameters(width, height, fps, &result);
+    }
+    _hidl_cb(toResolution(result));
+    return Void();
+}
+
+Return<void> VeskDeviceManager::getResolutionParameters(getResolutionParameters_cb _hidl_cb) {
+    vesk_resolution_record result;
+    memset(&result, 0, sizeof(result));
+    int modelId = readModelId();
+    DisplayModeControl control;
+    timing_t timing{};
+    if (computesOutputMode(modelId)) {
+        vesk::log::info(kTag, "%s %d RZ30Max or RZ8K or RZ8KMAX case\n", "getResolutionParameters",
+                        VESK_TRACE_LINE("getResolutionParameters", "computed model"));
+        control.getHDMIOutputMode(timing);
+        vesk::log::info(kTag, "%s %d timing.h_active:%d timing.v_active:%d timing.v_freq:%f \n",
+                        "getResolutionParameters",
+                        VESK_TRACE_LINE("getResolutionParameters", "timing"), timing.h_active,
+                        timing.v_active, timing.v_freq);
+        // A stored mode keeps its rate in mHz; the native mode's 60 Hz therefore reads as 0.
+        result = {timing.h_active, timing.v_active, wholeFrames(timing.v_freq) / 1000, 1};
+    } else {
+        bi_resolution_get_parameters(&result);
+    }
+    _hidl_cb(toResolution(result));
+    return Void();
+}
 
 Return<void> VeskDeviceManager::getResolutionParametersList(getResolutionParametersList_cb _hidl_cb) {
     vesk_resolution_record records[kMaxListRecords];
@@ -41,7 +131,7 @@ Return<void> VeskDeviceManager::getResolutionParametersList(getResolutionParamet
 Return<void> VeskDeviceManager::getEdidFromDefined(uint8_t index, uint16_t width, uint16_t height,
                                                    float refresh, getEdidFromDefined_cb _hidl_cb) {
     hidl_vec<uint8_t> edid(VESK_EDID_SIZE);
-    trace("getEdidFromDefined", 1316);
+    trace("getEdidFromDefined", VESK_TRACE_LINE("getEdidFromDefined"));
     if (bi_resolution_get_edid_from_defined(index, width, height, edid.data(), refresh) < 0) {
         vesk::log::error(kTag, "%s bi_resolution_get_edid_from_defined failed\n",
                          "getEdidFromDefined");
@@ -65,7 +155,7 @@ Return<void> VeskDeviceManager::getResolutionByEdid(const hidl_vec<uint8_t>& edi
                                                     getResolutionByEdid_cb _hidl_cb) {
     vesk_resolution_record record;
     memset(&record, 0, sizeof(record));
-    trace("getResolutionByEdid", 1346);
+    trace("getResolutionByEdid", VESK_TRACE_LINE("getResolutionByEdid"));
     if (edid.size() != VESK_EDID_SIZE) {
         vesk::log::error(kTag, "%s invalid edid size = %u not eq to 256\n", "getResolutionByEdid",
                          static_cast<unsigned>(edid.size()));
@@ -83,6 +173,26 @@ Return<void> VeskDeviceManager::getResolutionByEdid(const hidl_vec<uint8_t>& edi
     VeskEffeResolution resolution{record.width, record.height, record.fps, record.status};
     _hidl_cb(resolution);
     return Void();
+}
+
+Return<int32_t> VeskDeviceManager::setScreenModeState(int32_t state) {
+    trace("setScreenModeState", VESK_TRACE_LINE("setScreenModeState"));
+    return bi_resolution_screen_mode_set_state(state);
+}
+
+Return<int32_t> VeskDeviceManager::getScreenModeState() {
+    trace("getScreenModeState", VESK_TRACE_LINE("getScreenModeState"));
+    return bi_resolution_screen_mode_get_state();
+}
+
+Return<int32_t> VeskDeviceManager::getHdmiInStatus(int32_t port) {
+    trace("getHdmiInStatus", VESK_TRACE_LINE("getHdmiInStatus"));
+    return bi_display_get_hdmi_in_state(port);
+}
+
+Return<int32_t> VeskDeviceManager::getHdmiOutStatus(int32_t port) {
+    trace("getHdmiOutStatus", VESK_TRACE_LINE("getHdmiOutStatus"));
+    return bi_display_get_hdmi_out_state(port);
 }
 
 }  // namespace vesk::hardware::veskdevicemanager::implementation

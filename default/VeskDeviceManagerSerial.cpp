@@ -4,6 +4,7 @@
 #include <vesksdk.h>
 
 #include "SerialChannel.h"
+#include "TraceLines.h"
 #include "VeskDeviceManager.h"
 
 namespace vesk::hardware::veskdevicemanager::implementation {
@@ -13,26 +14,36 @@ namespace {
     bi_serial_##prefix##_open, bi_serial_##prefix##_close, bi_serial_##prefix##_blocking_read, \
             bi_serial_##prefix##_nonblocking_read, bi_serial_##prefix##_write
 
-// Line numbers: open, close, blocking read and its negative count, non-blocking read, its
-// count line and its negative count, write.
-constexpr SerialChannel k485{
-        VESK_BOARD_SERIAL(485), {226, 234, 242, 256, 264, 0, 277, 285}, NonBlockingReport::kCommon};
-constexpr SerialChannel k485_2{VESK_BOARD_SERIAL(485_2),
-                               {291, 299, 307, 321, 329, 0, 342, 350},
+// The trace lines of a channel's methods: open, close, blocking read and its negative count,
+// non-blocking read, its count line (0 for the channels that write none) and its negative count,
+// write.
+#define VESK_SERIAL_LINES(suffix)                                                              \
+    {                                                                                          \
+        VESK_TRACE_LINE("openSerialPort" #suffix), VESK_TRACE_LINE("closeSerialPort" #suffix), \
+                VESK_TRACE_LINE("readBlockingSerialPort" #suffix),                             \
+                VESK_TRACE_LINE("readBlockingSerialPort" #suffix, "negative count"),           \
+                VESK_TRACE_LINE("readNonBlockingSerialPort" #suffix),                          \
+                traceLine("readNonBlockingSerialPort" #suffix, "count"),                       \
+                VESK_TRACE_LINE("readNonBlockingSerialPort" #suffix, "negative count"),        \
+                VESK_TRACE_LINE("writeSerialPort" #suffix)                                     \
+    }
+
+constexpr SerialChannel k485{VESK_BOARD_SERIAL(485), VESK_SERIAL_LINES(485),
+                             NonBlockingReport::kCommon};
+constexpr SerialChannel k485_2{VESK_BOARD_SERIAL(485_2), VESK_SERIAL_LINES(485_2),
                                NonBlockingReport::kCommon};
-constexpr SerialChannel k232{
-        VESK_BOARD_SERIAL(232), {355, 363, 371, 385, 393, 0, 406, 414}, NonBlockingReport::kCommon};
-constexpr SerialChannel kLora{
-        VESK_BOARD_SERIAL(lora), {419, 427, 435, 449, 457, 0, 470, 479}, NonBlockingReport::kCommon};
-constexpr SerialChannel kHdmi{
-        VESK_BOARD_SERIAL(hdmi), {484, 492, 500, 514, 522, 0, 535, 543}, NonBlockingReport::kCommon};
-constexpr SerialChannel kTtl{VESK_BOARD_SERIAL(ttl),
-                             {548, 556, 564, 578, 586, 594, 599, 607},
+constexpr SerialChannel k232{VESK_BOARD_SERIAL(232), VESK_SERIAL_LINES(232),
+                             NonBlockingReport::kCommon};
+constexpr SerialChannel kLora{VESK_BOARD_SERIAL(lora), VESK_SERIAL_LINES(Lora),
+                              NonBlockingReport::kCommon};
+constexpr SerialChannel kHdmi{VESK_BOARD_SERIAL(hdmi), VESK_SERIAL_LINES(HDMI),
+                              NonBlockingReport::kCommon};
+constexpr SerialChannel kTtl{VESK_BOARD_SERIAL(ttl), VESK_SERIAL_LINES(TTL),
                              NonBlockingReport::kCountLine};
-constexpr SerialChannel kTtl_2{VESK_BOARD_SERIAL(ttl_2),
-                               {611, 619, 627, 641, 649, 658, 663, 671},
+constexpr SerialChannel kTtl_2{VESK_BOARD_SERIAL(ttl_2), VESK_SERIAL_LINES(TTL_2),
                                NonBlockingReport::kSizeLine};
 
+#undef VESK_SERIAL_LINES
 #undef VESK_BOARD_SERIAL
 
 }  // namespace

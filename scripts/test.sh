@@ -16,6 +16,13 @@ for preset in $presets; do
     scripts/build.sh "$preset"
     echo "=== $preset: test"
     ctest --preset "$preset" -j "$(nproc)" --timeout 300
+    if [ "$preset" = default ]; then
+        echo "=== default: each test program on its own, all its tests in one process, shuffled"
+        for program in build/default/bin/*_tests; do
+            VESK_BOARD_JOURNAL= VESK_BOARD_SCRIPT= "$program" --gtest_shuffle --gtest_repeat=3 \
+                --gtest_brief=1
+        done
+    fi
 done
 
 if [ "${VESK_FUZZ:-1}" != "0" ]; then

@@ -1,6 +1,7 @@
 #include "DisplayModeControl.h"
 
 #include <cutils/properties.h>
+#include <vesksdk_records.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -20,14 +21,10 @@ constexpr char kBestModeVar[] = "ubootenv.var.is.bestmode";
 constexpr char kHdmiModeVar[] = "ubootenv.var.hdmimode";
 constexpr char kCustomHdmiMode[] = "999p60hz";
 
-// The models whose output mode the service computes itself, and what each may drive:
-// 4096x2160 pixels at most, 594 MHz (written in kHz).
-constexpr allow_list_t kAllowList[] = {
-        {8470, 800, 4096, 600, 4096, 8847360, 594000},
-        {8476, 800, 4096, 600, 4096, 8847360, 594000},
-        {8475, 800, 4096, 600, 4096, 8847360, 594000},
-        {8478, 800, 4096, 600, 4096, 8847360, 594000},
-};
+// The models whose output mode the service computes itself (the board's list), each of which
+// may drive 4096x2160 pixels at most, 594 MHz (written in kHz).
+constexpr uint32_t kAllowedModels[] = {VESK_COMPUTED_MODELS};
+constexpr allow_list_t kModelLimits = {0, 800, 4096, 600, 4096, 8847360, 594000};
 
 // Signed remainders, as C's %: the result keeps the signs it is given. A divisor of -1 always
 // leaves 0 (INT_MIN % -1 would trap).
@@ -60,7 +57,12 @@ DisplayModeControl::DisplayModeControl() {
     vesk::log::info(kTag, "DisplayModeControl construct\n");
     if (!env) env = std::make_unique<Ubootenv>();
     if (!calculator) calculator = std::make_unique<VideoTimingCaculator>();
-    allowList.assign(std::begin(kAllowList), std::end(kAllowList));
+    allowList.clear();
+    for (uint32_t model : kAllowedModels) {
+        allow_list_t row = kModelLimits;
+        row.modid = model;
+        allowList.push_back(row);
+    }
 }
 
 DisplayModeControl::~DisplayModeControl() {

@@ -14,7 +14,7 @@ TEST_F(BlockDataTest, WriteDefinedPassesOffsetBytesAndCountAndReturnsTheBoardVal
             [&] {
                 EXPECT_EQ(3, int32_t(service->writeBlockDataDefined({7, 0, 255}, 16)));
             },
-            {debugLine("writeBlockDataDefined 754\n")});
+            {debugLine(traced("writeBlockDataDefined") + "\n")});
     auto board = callsOf("bi_block_write_defined");
     ASSERT_EQ(3u, board.size());
     EXPECT_EQ(json::array({16, json::array({7, 0, 255}), 3}), board[0]["args"]);
@@ -24,7 +24,7 @@ TEST_F(BlockDataTest, WriteDefinedPassesOffsetBytesAndCountAndReturnsTheBoardVal
 TEST_F(BlockDataTest, WriteDefinedReturnsABoardFailureUnchangedWithoutALine) {
     script({{"bi_block_write_defined", {{"return", -28}}}});
     expectLinesAtEachLevel([&] { EXPECT_EQ(-28, int32_t(service->writeBlockDataDefined({1}, 0))); },
-                           {debugLine("writeBlockDataDefined 754\n")});
+                           {debugLine(traced("writeBlockDataDefined") + "\n")});
 }
 
 TEST_F(BlockDataTest, WriteScreenPassesOffsetBytesAndCountAndReturnsTheBoardValue) {
@@ -33,7 +33,7 @@ TEST_F(BlockDataTest, WriteScreenPassesOffsetBytesAndCountAndReturnsTheBoardValu
             [&] {
                 EXPECT_EQ(-9, int32_t(service->writeBlockDataScreen({1, 2, 3, 4}, 4096)));
             },
-            {debugLine("writeBlockDataScreen 778\n")});
+            {debugLine(traced("writeBlockDataScreen") + "\n")});
     auto board = callsOf("bi_block_write_screen");
     ASSERT_EQ(3u, board.size());
     EXPECT_EQ(json::array({4096, json::array({1, 2, 3, 4}), 4}), board[0]["args"]);
@@ -54,7 +54,8 @@ TEST_F(BlockDataTest, FpgaLoadsCallTheBoardWithoutArgumentsAndReturnItsValue) {
                 EXPECT_EQ(-110, int32_t(service->loadFPGAProgram()));
                 EXPECT_EQ(4, int32_t(service->loadFPGAParamBlockData()));
             },
-            {debugLine("loadFPGAProgram 802\n"), debugLine("loadFPGAParamBlockData 807\n")});
+            {debugLine(traced("loadFPGAProgram") + "\n"),
+             debugLine(traced("loadFPGAParamBlockData") + "\n")});
     auto program = callsOf("bi_fpga_load_program");
     auto parameter = callsOf("bi_fpga_load_parameter");
     ASSERT_EQ(3u, program.size());
@@ -70,7 +71,7 @@ TEST_F(BlockDataTest, FpgaProgramWriteWithAShorterLengthPassesOnlyThatLength) {
             [&] {
                 EXPECT_EQ(3, int32_t(service->setFPGAProgramBlockData({9, 8, 7, 6, 5}, 3, 64)));
             },
-            {debugLine("setFPGAProgramBlockData 812\n")});
+            {debugLine(traced("setFPGAProgramBlockData") + "\n")});
     auto board = callsOf("bi_block_write_fpga_program");
     ASSERT_EQ(3u, board.size());
     // The first three bytes of the vector: its own data pointer with the given length.
@@ -102,7 +103,7 @@ TEST_F(BlockDataTest, ReadDefinedLogsLengthAndOffsetAndHandsBackTheBoardBytes) {
                 EXPECT_EQ(1, result.calls);
                 EXPECT_EQ((std::vector<uint8_t>{10, 11, 12, 13}), result.data);
             },
-            {debugLine("readBlockDataDefined 762 length = 4 offset = 8\n")});
+            {debugLine(traced("readBlockDataDefined") + " length = 4 offset = 8\n")});
     auto board = callsOf("bi_block_read_defined");
     ASSERT_EQ(3u, board.size());
     EXPECT_EQ(json::array({8, nullptr, 4}), board[0]["args"]);
@@ -120,7 +121,7 @@ TEST_F(BlockDataTest, ReadDefinedWithLengthZeroCallsTheBoardAndGivesAnEmptyVecto
     auto board = callsOf("bi_block_read_defined");
     ASSERT_EQ(1u, board.size());
     EXPECT_EQ(json::array({12, nullptr, 0}), board[0]["args"]);
-    EXPECT_EQ(LogLines{debugLine("readBlockDataDefined 762 length = 0 offset = 12\n")},
+    EXPECT_EQ(LogLines{debugLine(traced("readBlockDataDefined") + " length = 0 offset = 12\n")},
               capturedLog());
 }
 
@@ -141,7 +142,7 @@ TEST_F(BlockDataTest, ReadDefinedFailureEmptiesTheVectorAndNamesNoValue) {
                 EXPECT_EQ(1, result.calls);
                 EXPECT_TRUE(result.data.empty());
             },
-            {debugLine("readBlockDataDefined 762 length = 2 offset = 0\n"),
+            {debugLine(traced("readBlockDataDefined") + " length = 2 offset = 0\n"),
              errorLine("readBlockDataDefined: bi_block_read_defined failed\n")});
 }
 
@@ -154,7 +155,7 @@ TEST_F(BlockDataTest, ReadScreenLogsLengthAndOffsetAndHandsBackTheBoardBytes) {
                 EXPECT_EQ(1, result.calls);
                 EXPECT_EQ((std::vector<uint8_t>{1, 2, 3}), result.data);
             },
-            {debugLine("readBlockDataScreen 786 length = 3 offset = 4294967295\n")});
+            {debugLine(traced("readBlockDataScreen") + " length = 3 offset = 4294967295\n")});
     auto board = callsOf("bi_block_read_screen");
     ASSERT_EQ(3u, board.size());
     EXPECT_EQ(json::array({4294967295u, nullptr, 3}), board[0]["args"]);
@@ -176,7 +177,7 @@ TEST_F(BlockDataTest, ReadScreenFailureEmptiesTheVectorAndNamesTheValue) {
                 EXPECT_EQ(1, result.calls);
                 EXPECT_TRUE(result.data.empty());
             },
-            {debugLine("readBlockDataScreen 786 length = 8 offset = 1\n"),
+            {debugLine(traced("readBlockDataScreen") + " length = 8 offset = 1\n"),
              errorLine("readBlockDataScreen: bi_block_read_screen failed. ret = -2\n")});
 }
 
@@ -189,7 +190,7 @@ TEST_F(BlockDataTest, FpgaProgramReadWritesThePlainTraceAndHandsBackTheBoardByte
                 EXPECT_EQ(1, result.calls);
                 EXPECT_EQ((std::vector<uint8_t>{0xbe, 0xef}), result.data);
             },
-            {debugLine("getFPGAProgramBlockData 818\n")});
+            {debugLine(traced("getFPGAProgramBlockData") + "\n")});
     auto board = callsOf("bi_block_read_fpga_program");
     ASSERT_EQ(3u, board.size());
     EXPECT_EQ(json::array({1024, nullptr, 2}), board[0]["args"]);
@@ -218,7 +219,7 @@ TEST_F(BlockDataTest, FpgaProgramReadFailureEmptiesTheVectorAndNamesTheValue) {
                 EXPECT_EQ(1, result.calls);
                 EXPECT_TRUE(result.data.empty());
             },
-            {debugLine("getFPGAProgramBlockData 818\n"),
+            {debugLine(traced("getFPGAProgramBlockData") + "\n"),
              errorLine("getFPGAProgramBlockData: bi_block_read_fpga_program failed. ret = -4\n")});
 }
 

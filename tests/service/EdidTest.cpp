@@ -62,7 +62,7 @@ TEST_F(EdidTest, FromDefinedPassesItsArgumentsAroundTheBufferAndHandsBack256Byte
                 EXPECT_EQ(1, result.calls);
                 EXPECT_EQ(edidBytes({0, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0}), result.data);
             },
-            {debugLine("getEdidFromDefined 1316\n")});
+            {debugLine(traced("getEdidFromDefined") + "\n")});
     auto board = callsOf("bi_resolution_get_edid_from_defined");
     ASSERT_EQ(3u, board.size());
     EXPECT_EQ(json::array({200, 65535, 1080, nullptr, 59.5}), board[0]["args"]);
@@ -78,7 +78,7 @@ TEST_F(EdidTest, FromDefinedFailureStillHandsBackAll256ZeroBytes) {
                 EXPECT_EQ(1, result.calls);
                 EXPECT_EQ(std::vector<uint8_t>(256, 0), result.data);
             },
-            {debugLine("getEdidFromDefined 1316\n"),
+            {debugLine(traced("getEdidFromDefined") + "\n"),
              errorLine("getEdidFromDefined bi_resolution_get_edid_from_defined failed\n")});
 }
 
@@ -128,7 +128,7 @@ TEST_F(EdidTest, TimingOfA256ByteEdidIsTheBoardsRecord) {
                 EXPECT_EQ(1, result.calls);
                 expectRecord(result.record, 1920, 1080, 60, 1);
             },
-            {debugLine("getResolutionByEdid 1346\n"),
+            {debugLine(traced("getResolutionByEdid") + "\n"),
              debugLine("getResolutionByEdid: width = 1920 height = 1080 fps = 60\n")});
     auto board = callsOf("bi_resolution_get_prefferred_timing_by_edid");
     ASSERT_EQ(3u, board.size());
@@ -151,7 +151,7 @@ TEST_F(EdidTest, TimingLineShowsLargeValuesUnsigned) {
     TimingResult result;
     service->getResolutionByEdid(countingBytes(256), result.callback());
     expectRecord(result.record, 4294967295u, 2147483648u, 2, 0);
-    EXPECT_EQ((LogLines{debugLine("getResolutionByEdid 1346\n"),
+    EXPECT_EQ((LogLines{debugLine(traced("getResolutionByEdid") + "\n"),
                         debugLine("getResolutionByEdid: width = 4294967295 height = 2147483648 "
                                   "fps = 2\n")}),
               capturedLog());
@@ -165,7 +165,7 @@ TEST_F(EdidTest, TimingOfA255ByteEdidIsRefusedWithoutABoardCall) {
                 EXPECT_EQ(1, result.calls);
                 expectRecord(result.record, 0, 0, 0, 0);
             },
-            {debugLine("getResolutionByEdid 1346\n"),
+            {debugLine(traced("getResolutionByEdid") + "\n"),
              errorLine("getResolutionByEdid invalid edid size = 255 not eq to 256\n")});
     EXPECT_TRUE(calls().empty());
 }
@@ -178,7 +178,7 @@ TEST_F(EdidTest, TimingOfA257ByteEdidIsRefusedWithoutABoardCall) {
                 EXPECT_EQ(1, result.calls);
                 expectRecord(result.record, 0, 0, 0, 0);
             },
-            {debugLine("getResolutionByEdid 1346\n"),
+            {debugLine(traced("getResolutionByEdid") + "\n"),
              errorLine("getResolutionByEdid invalid edid size = 257 not eq to 256\n")});
     EXPECT_TRUE(calls().empty());
 }
@@ -210,7 +210,7 @@ TEST_F(EdidTest, TimingRejectedByTheBoardWritesALineWithoutLineEndAndZeros) {
                 EXPECT_EQ(1, result.calls);
                 expectRecord(result.record, 0, 0, 0, 0);
             },
-            {debugLine("getResolutionByEdid 1346\n"),
+            {debugLine(traced("getResolutionByEdid") + "\n"),
              errorLine("getResolutionByEdid: bi_resolution_get_prefferred_timing_by_edid failed, "
                        "ret = -3")});
     EXPECT_EQ(3u, callsOf("bi_resolution_get_prefferred_timing_by_edid").size());

@@ -17,9 +17,11 @@ TEST_F(ForwardingSpecialTest, FanMethodsTraceAndAlwaysAnswerMinusOneWithoutTheBo
         EXPECT_EQ(-1, int32_t(service->getFanSpeedPRM()));
     }
     EXPECT_TRUE(calls().empty());
-    LogLines once = {debugLine("setSimpleFanState 676\n"), debugLine("getSimPleFanState 682\n"),
-                     debugLine("setFanSpeedLevel 688\n"), debugLine("getFanSpeedLevel 694\n"),
-                     debugLine("getFanSpeedPRM 700\n")};
+    LogLines once = {debugLine(traced("setSimpleFanState") + "\n"),
+                     debugLine(traced("getSimPleFanState") + "\n"),
+                     debugLine(traced("setFanSpeedLevel") + "\n"),
+                     debugLine(traced("getFanSpeedLevel") + "\n"),
+                     debugLine(traced("getFanSpeedPRM") + "\n")};
     LogLines twice = once;
     twice.insert(twice.end(), once.begin(), once.end());
     EXPECT_EQ(twice, capturedLogWithTag(kServiceTag));
@@ -30,7 +32,7 @@ TEST_F(ForwardingSpecialTest, ColorLedWritesTraceThenStatesWithoutLineEnd) {
     script({{"bi_triled_set_state", {{"return", 5}}}});
     EXPECT_EQ(5, int32_t(service->setColorLedState(1, 0, 1)));
     EXPECT_EQ(1u, calls().size());
-    EXPECT_EQ((LogLines{debugLine("setColorLedState 72\n"),
+    EXPECT_EQ((LogLines{debugLine(traced("setColorLedState") + "\n"),
                         debugLine("red_state:1 green_state:0 blue_state:1")}),
               capturedLogWithTag(kServiceTag));
     ASSERT_EQ(1u, callsOf("bi_triled_set_state").size());
@@ -40,7 +42,7 @@ TEST_F(ForwardingSpecialTest, ColorLedWritesTraceThenStatesWithoutLineEnd) {
 TEST_F(ForwardingSpecialTest, OpsSwitchStateLogsItsArgumentOnce) {
     setLevel("D");
     service->setOpsSwitchState(5);
-    EXPECT_EQ(LogLines{debugLine("setOpsSwitchState 897, state = 5\n")},
+    EXPECT_EQ(LogLines{debugLine(traced("setOpsSwitchState") + ", state = 5\n")},
               capturedLogWithTag(kServiceTag));
 }
 
@@ -49,8 +51,9 @@ TEST_F(ForwardingSpecialTest, NetworkStateTurnsEveryFailureIntoMinusOne) {
     script({{"bi_network_detection",
              json::array({{{"return", -5}}, {{"return", -1}}, {{"return", 0}}, {{"return", 3}}})}});
     EXPECT_EQ(-1, int32_t(service->getNetWorkState()));
-    EXPECT_EQ((LogLines{debugLine("getNetWorkState 1367\n"), debugLine("error return -5\n")}),
-              capturedLogWithTag(kServiceTag));
+    EXPECT_EQ(
+            (LogLines{debugLine(traced("getNetWorkState") + "\n"), debugLine("error return -5\n")}),
+            capturedLogWithTag(kServiceTag));
     EXPECT_EQ(-1, int32_t(service->getNetWorkState()));
     EXPECT_EQ(0, int32_t(service->getNetWorkState()));
     EXPECT_EQ(3, int32_t(service->getNetWorkState()));
@@ -64,7 +67,8 @@ TEST_F(ForwardingSpecialTest, ColorLedReadsBackThroughItsGetter) {
     setLevel("D");
     script({{"bi_triled_get_state", {{"return", -77}}}});
     EXPECT_EQ(-77, int32_t(service->getColorLedState()));
-    EXPECT_EQ(LogLines{debugLine("getColorLedState 79\n")}, capturedLogWithTag(kServiceTag));
+    EXPECT_EQ(LogLines{debugLine(traced("getColorLedState") + "\n")},
+              capturedLogWithTag(kServiceTag));
 }
 
 TEST_F(ForwardingSpecialTest, NetworkStateErrorLineNeedsD) {
@@ -80,8 +84,8 @@ TEST_F(ForwardingSpecialTest, FloatReadingsKeepANonIntegralBoardValueExactly) {
             {"bi_adc_get_board_temperature", {{"return", -3.375}}}});
     EXPECT_EQ(12.15f, float(service->getBoardVoltage()));
     EXPECT_EQ(-3.375f, float(service->getBoardTemperature()));
-    EXPECT_EQ((LogLines{debugLine("getBoardVoltage 1528\n"),
-                        debugLine("getBoardTemperature 1533\n")}),
+    EXPECT_EQ((LogLines{debugLine(traced("getBoardVoltage") + "\n"),
+                        debugLine(traced("getBoardTemperature") + "\n")}),
               capturedLogWithTag(kServiceTag));
     EXPECT_EQ(1u, callsOf("bi_adc_get_board_voltage").size());
     EXPECT_EQ(1u, callsOf("bi_adc_get_board_temperature").size());
@@ -128,8 +132,8 @@ TEST_F(ForwardingSpecialTest, VideoInputVolumeReusesTheAudioWording) {
     setLevel("D");
     service->setVideoInputSrcVolume(2, 200);
     service->getVideoInputSrcVolume(2);
-    EXPECT_EQ((LogLines{debugLine("setVideoInputSrcVolume 1517, enable = 200\n"),
-                        debugLine("getVideoInputSrcVolume 1523\n")}),
+    EXPECT_EQ((LogLines{debugLine(traced("setVideoInputSrcVolume") + ", enable = 200\n"),
+                        debugLine(traced("getVideoInputSrcVolume") + "\n")}),
               capturedLogWithTag(kServiceTag));
 }
 

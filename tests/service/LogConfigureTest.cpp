@@ -47,7 +47,7 @@ TEST_F(LogConfigureTest, SetterLaysOutTheRecordAndLogsTwoLines) {
     ASSERT_EQ(1u, board.size());
     EXPECT_EQ(json::array({bytesOf(logRecord("debug", "/data/vesk/log", "ring", "64M", "4M"))}),
               board[0]["args"]);
-    EXPECT_EQ((LogLines{debugLine("setVeskLogConfigure 1436\n"),
+    EXPECT_EQ((LogLines{debugLine(traced("setVeskLogConfigure") + "\n"),
                         debugLine("hidl  -----loginfo level:debug, base:/data/vesk/log, "
                                   "mode:ring, total_size:64M, once_size:4M, \n"),
                         debugLine("debug /data/vesk/log 0")}),
@@ -58,7 +58,7 @@ TEST_F(LogConfigureTest, SetterFailureWritesTheErrorLineOnly) {
     setLevel("D");
     script({{"bi_vesk_logd_set_configure", {{"return", -7}}}});
     EXPECT_EQ(-7, int32_t(service->setVeskLogConfigure(info("i", "b", "m", "t", "o"))));
-    EXPECT_EQ((LogLines{debugLine("setVeskLogConfigure 1436\n"),
+    EXPECT_EQ((LogLines{debugLine(traced("setVeskLogConfigure") + "\n"),
                         errorLine("bi_vesk_logd_set_configure failed, ret:-7\n")}),
               capturedLogWithTag(kServiceTag));
 }
@@ -100,7 +100,7 @@ TEST_F(LogConfigureTest, GetterZeroIsAFailureWithAnEmptyRecord) {
     });
     EXPECT_EQ(0, ret);
     EXPECT_TRUE(got == VeskLogInfo{});
-    EXPECT_EQ((LogLines{debugLine("getVeskLogConfigure 1410\n"),
+    EXPECT_EQ((LogLines{debugLine(traced("getVeskLogConfigure") + "\n"),
                         errorLine("bi_vesk_logd_get_configure failed, ret:0\n")}),
               capturedLogWithTag(kServiceTag));
 }
@@ -117,7 +117,7 @@ TEST_F(LogConfigureTest, GetterNegativeLogsTheRecordButAnswersEmpty) {
     });
     EXPECT_EQ(-3, ret);
     EXPECT_TRUE(got == VeskLogInfo{});
-    EXPECT_EQ((LogLines{debugLine("getVeskLogConfigure 1410\n"),
+    EXPECT_EQ((LogLines{debugLine(traced("getVeskLogConfigure") + "\n"),
                         debugLine("hidl -----loginfo level:d, base:b, mode:m, total_size:t, "
                                   "once_size:o, \n")}),
               capturedLogWithTag(kServiceTag));

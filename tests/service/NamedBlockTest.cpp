@@ -27,7 +27,7 @@ TEST_F(NamedBlockTest, WriteToAMissingPathAnswersZeroWithOneErrorLineAndNoBoardC
             [&] {
                 EXPECT_EQ(0, int32_t(service->writeBlockData(kMissing, 0, 2, {1, 2})));
             },
-            {debugLine("writeBlockData 838 path = /data/blocks/none\n"),
+            {debugLine(traced("writeBlockData") + " path = /data/blocks/none\n"),
              errorLine("writeBlockData: /data/blocks/none not exist\n")});
     EXPECT_TRUE(calls().empty());
 }
@@ -39,7 +39,7 @@ TEST_F(NamedBlockTest, WriteToAnExistingPathPassesPathOffsetBytesAndCount) {
             [&] {
                 EXPECT_EQ(3, int32_t(service->writeBlockData(kBlock, 32, 3, {4, 5, 6})));
             },
-            {debugLine("writeBlockData 838 path = /data/blocks/one\n"),
+            {debugLine(traced("writeBlockData") + " path = /data/blocks/one\n"),
              debugLine("writeBlockData: /data/blocks/one exist\n")});
     auto board = callsOf("bi_block_write_data");
     ASSERT_EQ(3u, board.size());
@@ -68,7 +68,7 @@ TEST_F(NamedBlockTest, WriteFailureNamesThePathAndReturnsTheBoardValue) {
     script({{"bi_block_write_data", {{"return", -7}}}});
     expectLinesAtEachLevel(
             [&] { EXPECT_EQ(-7, int32_t(service->writeBlockData(kBlock, 1, 1, {1}))); },
-            {debugLine("writeBlockData 838 path = /data/blocks/one\n"),
+            {debugLine(traced("writeBlockData") + " path = /data/blocks/one\n"),
              debugLine("writeBlockData: /data/blocks/one exist\n"),
              errorLine("writeBlockData: bi_block_write_data(/data/blocks/one) failed\n")});
 }
@@ -83,7 +83,7 @@ TEST_F(NamedBlockTest, ReadFromAMissingPathGivesAnEmptyVectorWithOneErrorLineAnd
                 EXPECT_EQ(1, result.calls);
                 EXPECT_TRUE(result.data.empty());
             },
-            {debugLine("readBlockData 861 path = /data/blocks/none\n"),
+            {debugLine(traced("readBlockData") + " path = /data/blocks/none\n"),
              errorLine("readBlockData: /data/blocks/none not exist\n")});
     EXPECT_TRUE(calls().empty());
 }
@@ -98,7 +98,7 @@ TEST_F(NamedBlockTest, ReadFromAnExistingPathPassesPathOffsetAndLength) {
                 EXPECT_EQ(1, result.calls);
                 EXPECT_EQ((std::vector<uint8_t>{0xc0, 0xff, 0xee}), result.data);
             },
-            {debugLine("readBlockData 861 path = /data/blocks/one\n"),
+            {debugLine(traced("readBlockData") + " path = /data/blocks/one\n"),
              debugLine("readBlockData: /data/blocks/one exist\n")});
     auto board = callsOf("bi_block_read_data");
     ASSERT_EQ(3u, board.size());
@@ -124,7 +124,7 @@ TEST_F(NamedBlockTest, ReadFailureEmptiesTheVectorAndNamesTheValue) {
                 EXPECT_EQ(1, result.calls);
                 EXPECT_TRUE(result.data.empty());
             },
-            {debugLine("readBlockData 861 path = /data/blocks/one\n"),
+            {debugLine(traced("readBlockData") + " path = /data/blocks/one\n"),
              debugLine("readBlockData: /data/blocks/one exist\n"),
              errorLine("readBlockData: bi_block_read_data failed. ret = -6\n")});
 }

@@ -70,7 +70,7 @@ TEST_F(ProductInfoTest, FirstCallLogsAllocationAndDhcpLines) {
     setLevel("D");
     scriptRecord(productRecord("", "", "", "true"));
     fetch();
-    EXPECT_EQ((LogLines{debugLine("getProductInfo 146\n"),
+    EXPECT_EQ((LogLines{debugLine(traced("getProductInfo") + "\n"),
                         debugLine("getProductInfo: productPtr malloc ok\n"),
                         debugLine("productPtr->useDHCP:true\n"), debugLine("info.useDHCP:1\n")}),
               capturedLogWithTag(kServiceTag));
@@ -84,7 +84,7 @@ TEST_F(ProductInfoTest, SecondCallAnswersFromTheCacheWithoutTheBoard) {
     ProductInfo second = fetch();
     EXPECT_TRUE(first == second);
     EXPECT_EQ(1u, callsOf("bi_info_get_product_info").size());
-    EXPECT_EQ((LogLines{debugLine("getProductInfo 146\n"),
+    EXPECT_EQ((LogLines{debugLine(traced("getProductInfo") + "\n"),
                         debugLine("getProductInfo: productPtr is not NULL\n"),
                         debugLine("productPtr->useDHCP:false\n"), debugLine("info.useDHCP:0\n")}),
               capturedLogWithTag(kServiceTag));
@@ -114,7 +114,7 @@ TEST_F(ProductInfoTest, BoardFailureAnswersEmptyAndIsNotRetried) {
              {{"return", -2}, {"out", hexOf(productRecord("1", "1", "1", "true"))}}}});
     ProductInfo first = fetch();
     EXPECT_TRUE(first == ProductInfo{});
-    EXPECT_EQ((LogLines{debugLine("getProductInfo 146\n"),
+    EXPECT_EQ((LogLines{debugLine(traced("getProductInfo") + "\n"),
                         debugLine("getProductInfo: productPtr malloc ok\n"),
                         errorLine("getProductInfo: bi_info_get_product_info failed\n")}),
               capturedLogWithTag(kServiceTag));
@@ -122,7 +122,7 @@ TEST_F(ProductInfoTest, BoardFailureAnswersEmptyAndIsNotRetried) {
     ProductInfo second = fetch();
     EXPECT_TRUE(second == ProductInfo{});
     EXPECT_EQ(1u, callsOf("bi_info_get_product_info").size());
-    EXPECT_EQ((LogLines{debugLine("getProductInfo 146\n"),
+    EXPECT_EQ((LogLines{debugLine(traced("getProductInfo") + "\n"),
                         debugLine("getProductInfo: productPtr is not NULL\n")}),
               capturedLogWithTag(kServiceTag));
 }
@@ -165,7 +165,8 @@ TEST_F(ProductInfoTest, ProtocolTypeTracesAndForwards) {
     setLevel("D");
     script({{"bi_info_get_protocol_type", {{"return", -3}}}});
     EXPECT_EQ(-3, int32_t(service->getProtocolType()));
-    EXPECT_EQ(LogLines{debugLine("getProtocolType 221\n")}, capturedLogWithTag(kServiceTag));
+    EXPECT_EQ(LogLines{debugLine(traced("getProtocolType") + "\n")},
+              capturedLogWithTag(kServiceTag));
 }
 
 TEST_F(ProductInfoTest, SlotFillingItsWidthRunsIntoTheNextButNotPastTheRecord) {

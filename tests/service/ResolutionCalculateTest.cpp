@@ -38,7 +38,7 @@ class ResolutionCalculateTest : public ResolutionTest {
                                       {"args", {1920, 1080, 30, nullptr}},
                                       {"return", -5}}}),
                   calls());
-        EXPECT_EQ((LogLines{infoLine("calculateResolutionParameters 1222\n"),
+        EXPECT_EQ((LogLines{infoLine(traced("calculateResolutionParameters") + "\n"),
                             infoLine("using default resolution case\n")}),
                   capturedLogWithTag(kServiceTag));
         expectEnvironmentUntouched(before);
@@ -71,8 +71,9 @@ TEST_F(ResolutionCalculateTest, FullHdAtThirtyOnModel8470IsAppliedForSixty) {
     EXPECT_EQ(std::vector<std::string>{kModeTool}, commands);
     EXPECT_EQ((std::vector<std::string>{"0", "0"}), atCommand) << "the tool runs before the store";
     EXPECT_EQ(std::vector<json>{productCall()}, calls());
-    EXPECT_EQ((LogLines{infoLine("calculateResolutionParameters 1222\n"),
-                        infoLine("calculateResolutionParameters 1236 modid 8470 case\n")}),
+    EXPECT_EQ((LogLines{infoLine(traced("calculateResolutionParameters") + "\n"),
+                        infoLine(traced("calculateResolutionParameters", "computed model") +
+                                 " modid 8470 case\n")}),
               capturedLogWithTag(kServiceTag));
     EXPECT_EQ(1, countLines(kControlTag, "setHDMIOutputMode success\n"));
 }
@@ -85,8 +86,10 @@ TEST_F(ResolutionCalculateTest, TheOtherThreeModelsAreComputedToo) {
         vesk::host::clearCapturedLog();
         EXPECT_EQ((Resolution{1280, 720, 59, 1}), calculate(1280, 720, 50)) << model;
         EXPECT_EQ(std::vector<json>{productCall()}, calls());
-        EXPECT_EQ((LogLines{infoLine("calculateResolutionParameters 1222\n"),
-                            infoLine(std::string("calculateResolutionParameters 1236 modid ") +
+        EXPECT_EQ((LogLines{infoLine(traced("calculateResolutionParameters") + "\n"),
+                            infoLine(std::string(traced("calculateResolutionParameters",
+                                                        "computed model") +
+                                                 " modid ") +
                                      model + " case\n")}),
                   capturedLogWithTag(kServiceTag));
         EXPECT_EQ("1280x720@59.979000", getProperty(kModeProperty));
@@ -198,8 +201,9 @@ TEST_F(ResolutionCalculateTest, TraceIsAnInformationLine) {
     setLevel("D");
     vesk::host::clearCapturedLog();
     calculate(1920, 1080, 60);
-    EXPECT_EQ((LogLines{infoLine("calculateResolutionParameters 1222\n"),
-                        infoLine("calculateResolutionParameters 1236 modid 8470 case\n")}),
+    EXPECT_EQ((LogLines{infoLine(traced("calculateResolutionParameters") + "\n"),
+                        infoLine(traced("calculateResolutionParameters", "computed model") +
+                                 " modid 8470 case\n")}),
               capturedLogWithTag(kServiceTag));
 }
 

@@ -21,10 +21,12 @@ class ResolutionReadBackTest : public ResolutionTest {
         return current();
     }
     static vesk::host::LogLine caseLine() {
-        return infoLine("getResolutionParameters 1273 RZ30Max or RZ8K or RZ8KMAX case\n");
+        return infoLine(traced("getResolutionParameters", "computed model") +
+                        " RZ30Max or RZ8K or RZ8KMAX case\n");
     }
     static vesk::host::LogLine timingLine(int h, int v, const std::string& rate) {
-        return infoLine("getResolutionParameters 1276 timing.h_active:" + std::to_string(h) +
+        return infoLine(traced("getResolutionParameters", "timing") +
+                        " timing.h_active:" + std::to_string(h) +
                         " timing.v_active:" + std::to_string(v) + " timing.v_freq:" + rate + " \n");
     }
 };

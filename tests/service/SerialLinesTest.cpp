@@ -12,9 +12,9 @@ TEST_F(SerialLinesTest, OpenLineCarriesTwoFullWidthColonsAsUtf8) {
     script({{"bi_serial_485_open", {{"return", 0}}}});
     setLevel("D");
     EXPECT_EQ(0, int32_t(service->openSerialPort485(115200, 8, 1, -1)));
-    const std::string expected =
-            "openSerialPort485 226 baudrate :115200 databits:8 \xEF\xBC\x9A"
-            "stopbits:1  parity\xEF\xBC\x9A-1\n";
+    const std::string expected = traced("openSerialPort485") +
+                                 " baudrate :115200 databits:8 \xEF\xBC\x9A"
+                                 "stopbits:1  parity\xEF\xBC\x9A-1\n";
     ASSERT_EQ(2u, capturedLog().size());
     EXPECT_EQ(debugLine(expected), capturedLog()[0]);
     EXPECT_EQ(debugLine("openSerialPort485: ret = 0\n"), capturedLog()[1]);
@@ -34,16 +34,18 @@ TEST_F(SerialLinesTest, SecondRs485ChannelWritesItsOwnNumbers) {
     service->readNonBlockingSerialPort485_2(2, [](const hidl_vec<uint8_t>&, uint32_t) {});
     EXPECT_EQ(
             (LogLines{
-                    debugLine("openSerialPort485_2 291 baudrate :19200 databits:8 ：stopbits:1  "
+                    debugLine(traced("openSerialPort485_2") +
+                              " baudrate :19200 databits:8 ：stopbits:1  "
                               "parity：0\n"),
                     debugLine("openSerialPort485_2: ret = 0\n"),
-                    debugLine("closeSerialPort485_2 299\n"),
+                    debugLine(traced("closeSerialPort485_2") + "\n"),
                     debugLine("closeSerialPort485_2: ret = 0\n"),
-                    debugLine("writeSerialPort485_2 350 data.size = 1\n"),
+                    debugLine(traced("writeSerialPort485_2") + " data.size = 1\n"),
                     debugLine("readBlockingSerialPort485_2 line:307 data_size:2 timeout_ms:30\n"),
                     debugLine("readBlockingSerialPort485_2 bytes_read = 4294967295\n"),
                     debugLine("bytes_read < 0 readBlockingSerialPort485_2 321 bytes_read:-1\n"),
-                    debugLine("readNonBlockingSerialPort485_2 329 data_size:2 timeout_ms:0\n"),
+                    debugLine(traced("readNonBlockingSerialPort485_2") +
+                              " data_size:2 timeout_ms:0\n"),
                     debugLine("bytes_read < 0 readNonBlockingSerialPort485_2 342 bytes_read:-1\n"),
             }),
             capturedLog());
@@ -61,7 +63,8 @@ TEST_F(SerialLinesTest, CommonNonBlockingReadWritesNoLineForAShortCount) {
     SerialReadResult result;
     service->readNonBlockingSerialPortHDMI(8, result.callback());
     EXPECT_EQ((std::vector<uint8_t>{1, 2}), result.data);
-    EXPECT_EQ(LogLines{debugLine("readNonBlockingSerialPortHDMI 522 data_size:8 timeout_ms:0\n")},
+    EXPECT_EQ(LogLines{debugLine(traced("readNonBlockingSerialPortHDMI") +
+                                 " data_size:8 timeout_ms:0\n")},
               capturedLog());
 }
 
@@ -74,7 +77,8 @@ TEST_F(SerialLinesTest, TtlReadOfExactlyTheSizeWritesItsCountLine) {
     EXPECT_EQ(4u, result.count);
     EXPECT_EQ(
             (LogLines{
-                    debugLine("readNonBlockingSerialPortTTL 586 data_size:4 timeout_ms:0\n"),
+                    debugLine(traced("readNonBlockingSerialPortTTL") +
+                              " data_size:4 timeout_ms:0\n"),
                     debugLine("bytes_read >= 0 readNonBlockingSerialPortTTL 594 bytes_read:4 \n")}),
             capturedLog());
 }
@@ -87,7 +91,8 @@ TEST_F(SerialLinesTest, TtlShortReadWritesItsCountLine) {
     EXPECT_EQ((std::vector<uint8_t>{1, 2}), result.data);
     EXPECT_EQ(
             (LogLines{
-                    debugLine("readNonBlockingSerialPortTTL 586 data_size:9 timeout_ms:0\n"),
+                    debugLine(traced("readNonBlockingSerialPortTTL") +
+                              " data_size:9 timeout_ms:0\n"),
                     debugLine("bytes_read >= 0 readNonBlockingSerialPortTTL 594 bytes_read:2 \n")}),
             capturedLog());
 }
@@ -101,7 +106,8 @@ TEST_F(SerialLinesTest, TtlNegativeReadNamesTheCount) {
     EXPECT_EQ(4294967285u, result.count);
     EXPECT_EQ(
             (LogLines{
-                    debugLine("readNonBlockingSerialPortTTL 586 data_size:9 timeout_ms:0\n"),
+                    debugLine(traced("readNonBlockingSerialPortTTL") +
+                              " data_size:9 timeout_ms:0\n"),
                     debugLine("bytes_read < 0 readNonBlockingSerialPortTTL 599 bytes_read:-11\n")}),
             capturedLog());
 }
@@ -113,7 +119,8 @@ TEST_F(SerialLinesTest, TtlReadAboveTheSizeWritesNoCountLine) {
     service->readNonBlockingSerialPortTTL(2, result.callback());
     EXPECT_EQ((std::vector<uint8_t>{1, 2}), result.data);
     EXPECT_EQ(5u, result.count);
-    EXPECT_EQ(LogLines{debugLine("readNonBlockingSerialPortTTL 586 data_size:2 timeout_ms:0\n")},
+    EXPECT_EQ(LogLines{debugLine(traced("readNonBlockingSerialPortTTL") +
+                                 " data_size:2 timeout_ms:0\n")},
               capturedLog());
 }
 
@@ -124,7 +131,8 @@ TEST_F(SerialLinesTest, Ttl2ShortReadNamesTheRequestedSize) {
     service->readNonBlockingSerialPortTTL_2(16, result.callback());
     EXPECT_EQ((std::vector<uint8_t>{10, 11, 12}), result.data);
     EXPECT_EQ(3u, result.count);
-    EXPECT_EQ((LogLines{debugLine("readNonBlockingSerialPortTTL_2 649 data_size:16 timeout_ms:0\n"),
+    EXPECT_EQ((LogLines{debugLine(traced("readNonBlockingSerialPortTTL_2") +
+                                  " data_size:16 timeout_ms:0\n"),
                         debugLine("bytes_read >= 0 readNonBlockingSerialPortTTL_2 658 data_size:16 "
                                   "timeout_ms:0\n")}),
               capturedLog());
@@ -137,7 +145,8 @@ TEST_F(SerialLinesTest, Ttl2NegativeReadNamesTheRequestedSizeNotTheCount) {
     service->readNonBlockingSerialPortTTL_2(16, result.callback());
     EXPECT_TRUE(result.data.empty());
     EXPECT_EQ(4294967291u, result.count);
-    EXPECT_EQ((LogLines{debugLine("readNonBlockingSerialPortTTL_2 649 data_size:16 timeout_ms:0\n"),
+    EXPECT_EQ((LogLines{debugLine(traced("readNonBlockingSerialPortTTL_2") +
+                                  " data_size:16 timeout_ms:0\n"),
                         debugLine("bytes_read < 0 readNonBlockingSerialPortTTL_2 663 data_size:16 "
                                   "timeout_ms:0\n")}),
               capturedLog());
@@ -149,7 +158,8 @@ TEST_F(SerialLinesTest, Ttl2ReadOfExactlyTheSizeWritesNoSecondLine) {
     SerialReadResult result;
     service->readNonBlockingSerialPortTTL_2(2, result.callback());
     EXPECT_EQ((std::vector<uint8_t>{1, 2}), result.data);
-    EXPECT_EQ(LogLines{debugLine("readNonBlockingSerialPortTTL_2 649 data_size:2 timeout_ms:0\n")},
+    EXPECT_EQ(LogLines{debugLine(traced("readNonBlockingSerialPortTTL_2") +
+                                 " data_size:2 timeout_ms:0\n")},
               capturedLog());
 }
 
@@ -160,7 +170,8 @@ TEST_F(SerialLinesTest, Ttl2ReadAboveTheSizeWritesNoSecondLine) {
     service->readNonBlockingSerialPortTTL_2(2, result.callback());
     EXPECT_EQ((std::vector<uint8_t>{1, 2}), result.data);
     EXPECT_EQ(3u, result.count);
-    EXPECT_EQ(LogLines{debugLine("readNonBlockingSerialPortTTL_2 649 data_size:2 timeout_ms:0\n")},
+    EXPECT_EQ(LogLines{debugLine(traced("readNonBlockingSerialPortTTL_2") +
+                                 " data_size:2 timeout_ms:0\n")},
               capturedLog());
 }
 

@@ -31,7 +31,8 @@ TEST_F(ServiceEntryTest, EveryFetchMakesANewObjectAndInitialisesTheBoard) {
 TEST_F(ServiceEntryTest, ConstructorTracesBeforeInitialisingTheBoard) {
     setLevel("D");
     sp<IVeskDeviceManager> manager = HIDL_FETCH_IVeskDeviceManager("x");
-    EXPECT_EQ(LogLines{debugLine("VeskDeviceManager 30\n")}, capturedLogWithTag(kServiceTag));
+    EXPECT_EQ(LogLines{debugLine(traced("VeskDeviceManager") + "\n")},
+              capturedLogWithTag(kServiceTag));
     EXPECT_EQ(1u, callsOf("bi_init_product_config").size());
 }
 
@@ -50,7 +51,7 @@ TEST_F(ServiceEntryTest, HwInvokeNeverCallsItsCallback) {
         EXPECT_TRUE(ret.isOk());
     }
     EXPECT_EQ(0, called);
-    EXPECT_EQ(LogLines(4, debugLine("hwInvoke 36\n")), capturedLogWithTag(kServiceTag));
+    EXPECT_EQ(LogLines(4, debugLine(traced("hwInvoke") + "\n")), capturedLogWithTag(kServiceTag));
     EXPECT_TRUE(calls().empty());
 }
 
@@ -59,7 +60,8 @@ TEST_F(ServiceEntryTest, HwRegistCallbackAnswersZeroForNullAndRealCallbacks) {
     EXPECT_EQ(0, int32_t(service->hwRegistCallback(nullptr)));
     sp<VeskDeviceCallback> callback = new VeskDeviceCallback();
     EXPECT_EQ(0, int32_t(service->hwRegistCallback(callback)));
-    EXPECT_EQ(LogLines(2, debugLine("hwRegistCallback 42\n")), capturedLogWithTag(kServiceTag));
+    EXPECT_EQ(LogLines(2, debugLine(traced("hwRegistCallback") + "\n")),
+              capturedLogWithTag(kServiceTag));
     EXPECT_TRUE(calls().empty());
 }
 
@@ -85,7 +87,7 @@ TEST_F(ServiceEntryTest, LevelSetByAnotherProcessTakesEffectOnTheNextCall) {
                &status);
     ASSERT_EQ(0, status);
     service->setSysLedState(1);
-    EXPECT_EQ(LogLines{debugLine("setSysLedState 48\n")}, capturedLogWithTag(kServiceTag));
+    EXPECT_EQ(LogLines{debugLine(traced("setSysLedState") + "\n")}, capturedLogWithTag(kServiceTag));
     runCommand("VESK_ROOT='" + root.path() + "' " VESK_BINARY_DIR "/bin/veskdm prop set " + kLevel +
                        " E",
                &status);

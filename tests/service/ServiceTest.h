@@ -1,6 +1,8 @@
 /*
  * Fixture for the service's tests: a fresh device root, the log captured, the board's journal
- * kept in memory and no script; the service fetched as a passthrough host fetches it.
+ * kept in memory and no script; the service fetched as a passthrough host fetches it. The
+ * board's and the service's process-wide state is put back as a fresh process has it, before
+ * and after each test.
  */
 #pragma once
 
@@ -9,7 +11,10 @@
 #include <gtest/gtest.h>
 #include <vesksdk_sim_control.h>
 
+#include "BoardReset.h"
+#include "ProductRecordCache.h"
 #include "TestRoot.h"
+#include "TraceLines.h"
 #include "VeskDeviceManager.h"
 
 namespace vesk::test {
@@ -31,18 +36,33 @@ inline void putText(std::string& record, size_t offset, const std::string& text)
     record.replace(offset, text.size(), text);
 }
 
+using ::vesk::hardware::veskdevicemanager::implementation::traceLine;
+
+// "METHOD LINE", how the method's trace lines begin (its own, or the further one named by
+// `where`), the line taken from the service's one table of trace points.
+inline std::string traced(const char* method, const char* where = "") {
+    return std::string(method) + " " + std::to_string(traceLine(method, where));
+}
+
 inline constexpr char kServiceTag[] = "vesk_system_hidl_device";
 inline constexpr char kLevel[] = "persist.vesk.device.log.level";
 
 class ServiceTest : public RootTest {
   protected:
     ServiceTest() {
-        vesk::sim::clearScript();
+        resetSimulatedBoard();
+        vesk::hardware::veskdevicemanager::implementation::forgetProductRecord();
         vesk::sim::startJournal();
         service = vesk::hardware::veskdevicemanager::implementation::HIDL_FETCH_IVeskDeviceManager(
                 "default");
         vesk::sim::clearJournal();
         vesk::host::clearCapturedLog();
+    }
+    // Leaves no board state, journal, script or product record to the next test.
+    ~ServiceTest() override {
+        service.clear();
+        resetSimulatedBoard();
+        vesk::hardware::veskdevicemanager::implementation::forgetProductRecord();
     }
 
     void setLevel(const std::string& level) { setProperty(kLevel, level); }

@@ -25,7 +25,8 @@ TEST_F(ShellActionsTest, ShutDownRunsRebootAndAnswersZeroWhateverItsStatus) {
     status = 256;
     EXPECT_EQ(0, int32_t(service->setSystemShutDown()));
     EXPECT_EQ(std::vector<std::string>{"/system/bin/reboot -p"}, commands);
-    EXPECT_EQ(LogLines{debugLine("setSystemShutDown 1497\n")}, capturedLogWithTag(kServiceTag));
+    EXPECT_EQ(LogLines{debugLine(traced("setSystemShutDown") + "\n")},
+              capturedLogWithTag(kServiceTag));
     EXPECT_TRUE(calls().empty());
 }
 
@@ -42,7 +43,7 @@ TEST_F(ShellActionsTest, PictureQualityRunsItsCommandThenTheBoard) {
     ASSERT_EQ(2u, board.size());
     EXPECT_EQ(json::array({1}), board[0]["args"]);
     EXPECT_EQ(json::array({0}), board[1]["args"]);
-    EXPECT_EQ(LogLines(2, debugLine("setPQEnable 1595\n")), capturedLogWithTag(kServiceTag));
+    EXPECT_EQ(LogLines(2, debugLine(traced("setPQEnable") + "\n")), capturedLogWithTag(kServiceTag));
 }
 
 TEST_F(ShellActionsTest, PictureQualityOtherValueRunsNothingButStillCallsTheBoard) {
@@ -60,7 +61,8 @@ TEST_F(ShellActionsTest, HdrCommandsSelect2160p60AndAnswerTheirStatus) {
             (std::vector<std::string>{"/system/bin/test-systemcontrol -d sdr rgb,8bit 2160p60hz",
                                       "/system/bin/test-systemcontrol -d hdr 422,10bit 2160p60hz"}),
             commands);
-    EXPECT_EQ(LogLines(2, debugLine("setHDREnable 1646\n")), capturedLogWithTag(kServiceTag));
+    EXPECT_EQ(LogLines(2, debugLine(traced("setHDREnable") + "\n")),
+              capturedLogWithTag(kServiceTag));
     EXPECT_TRUE(calls().empty());
 }
 

@@ -70,7 +70,7 @@ TEST_F(SystemRecordsTest, ProcessInfoCopiesTheBoardsRecordOnResultOne) {
     EXPECT_EQ(1234567890123ull, info.value64);
     EXPECT_EQ(2.5, info.valueReal);
     EXPECT_EQ(4242u, info.value32);
-    EXPECT_EQ(LogLines{debugLine("getProcessInfo 949\n")}, capturedLogWithTag(kServiceTag));
+    EXPECT_EQ(LogLines{debugLine(traced("getProcessInfo") + "\n")}, capturedLogWithTag(kServiceTag));
     EXPECT_EQ(json::array({"surfaceflinger", nullptr}),
               callsOf("bi_get_process_info_by_name")[0]["args"]);
 }
@@ -95,7 +95,7 @@ TEST_F(SystemRecordsTest, UsbListWithCountZeroIsEmptyWithoutDeviceLines) {
     hidl_vec<UsbList> list = {UsbList{1, 1}};
     service->getUsbList([&](const hidl_vec<UsbList>& l) { list = l; });
     EXPECT_EQ(0u, list.size());
-    EXPECT_EQ(LogLines{debugLine("getUsbList 1013\n")}, capturedLogWithTag(kServiceTag));
+    EXPECT_EQ(LogLines{debugLine(traced("getUsbList") + "\n")}, capturedLogWithTag(kServiceTag));
 }
 
 TEST_F(SystemRecordsTest, UsbListConvertsEachDeviceAndLogsIt) {
@@ -114,7 +114,7 @@ TEST_F(SystemRecordsTest, UsbListConvertsEachDeviceAndLogsIt) {
     EXPECT_EQ(0x0002u, list[0].pid);
     EXPECT_EQ(0x0bdau, list[1].vid);
     EXPECT_EQ(0x8153u, list[1].pid);
-    EXPECT_EQ((LogLines{debugLine("getUsbList 1013\n"),
+    EXPECT_EQ((LogLines{debugLine(traced("getUsbList") + "\n"),
                         infoLine("Device 0: VID = 1D6B, PID = 2, ret = -4\n"),
                         infoLine("Device 1: VID = BDA, PID = 8153, ret = -4\n")}),
               capturedLogWithTag(kServiceTag));
@@ -161,7 +161,8 @@ TEST_F(SystemRecordsTest, VndkVersionIsAlwaysTheMethodsNameAndOne) {
         service->getVndkVersion([&](const hidl_string& v) { version = v; });
         EXPECT_EQ("getVndkVersion:1.0", version);
     }
-    EXPECT_EQ(LogLines(3, debugLine("getVndkVersion 1074\n")), capturedLogWithTag(kServiceTag));
+    EXPECT_EQ(LogLines(3, debugLine(traced("getVndkVersion") + "\n")),
+              capturedLogWithTag(kServiceTag));
     EXPECT_TRUE(calls().empty());
 }
 
@@ -174,7 +175,7 @@ TEST_F(SystemRecordsTest, RtcBootTimeAnswers256WordsOnSuccess) {
     EXPECT_EQ(2026u, time[0]);
     EXPECT_EQ(11u, time[1]);
     for (size_t i = 2; i < 256; ++i) EXPECT_EQ(0u, time[i]);
-    EXPECT_EQ(LogLines{debugLine("getRtcBootTime 1188\n")}, capturedLogWithTag(kServiceTag));
+    EXPECT_EQ(LogLines{debugLine(traced("getRtcBootTime") + "\n")}, capturedLogWithTag(kServiceTag));
 }
 
 TEST_F(SystemRecordsTest, RtcTimesAreEmptyOnANegativeResult) {
@@ -192,7 +193,7 @@ TEST_F(SystemRecordsTest, RtcTimesAreEmptyOnANegativeResult) {
 TEST_F(SystemRecordsTest, RtcWakeTimeTracesItsOwnLine) {
     setLevel("D");
     service->getRtcWakeTime([](const hidl_vec<uint32_t>&) {});
-    EXPECT_EQ(LogLines{debugLine("getRtcWakeTime 1205\n")}, capturedLogWithTag(kServiceTag));
+    EXPECT_EQ(LogLines{debugLine(traced("getRtcWakeTime") + "\n")}, capturedLogWithTag(kServiceTag));
 }
 
 }  // namespace

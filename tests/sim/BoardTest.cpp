@@ -471,7 +471,7 @@ TEST_F(BoardTest, PreferredTimingRefusesAnInvalidEdid) {
 
 TEST_F(BoardTest, ManyThreadsAtOnce) {
     std::string path = temporaryPath("threads");
-    setenv("VESK_BOARD_JOURNAL", path.c_str(), 1);
+    ASSERT_TRUE(vesk::sim::setJournalFile(path));
     vesk::sim::startJournal();
     constexpr int kThreads = 8, kCalls = 200;
     std::vector<std::thread> threads;

@@ -163,7 +163,8 @@ TEST(JournalTest, JournalOfOneFunctionAndClear) {
     EXPECT_EQ(1u, vesk::sim::journal().size());
 }
 
-TEST(JournalTest, FileFromEnvironmentHasExactLines) {
+// Run in a fresh process: the environment is read at the first board call of a process.
+bool fileFromEnvironmentHasExactLines() {
     std::string path = temporaryPath("journal");
     {
         std::ofstream existing(path);
@@ -189,20 +190,32 @@ TEST(JournalTest, FileFromEnvironmentHasExactLines) {
             R"({"function":"bi_serial_ttl_write","args":[[1,2],2],"return":-1})",
             R"({"function":"bi_i2c_set_audio_enable","args":[200,1],"return":-1})",
     };
-    EXPECT_EQ(expected, lines);
+    for (const std::string& line : lines) fprintf(stderr, "journal: %s\n", line.c_str());
+    return lines == expected;
 }
 
-TEST(JournalTest, FileAndMemoryTogether) {
+TEST(JournalTest, FileFromEnvironmentHasExactLines) {
+    FreshProcessStyle fresh;
+    EXPECT_EXIT(exit(fileFromEnvironmentHasExactLines() ? 0 : 1), ::testing::ExitedWithCode(0), "");
+}
+
+bool fileAndMemoryTogether() {
     std::string path = temporaryPath("both");
     setenv("VESK_BOARD_JOURNAL", path.c_str(), 1);
     vesk::sim::startJournal();
     bi_netled_set_state(2);
     std::vector<std::string> lines = readLines(path);
     unlink(path.c_str());
-    EXPECT_EQ(
-            std::vector<std::string>{R"({"function":"bi_netled_set_state","args":[2],"return":0})"},
-            lines);
-    EXPECT_EQ(R"({"function":"bi_netled_set_state","args":[2],"return":0})", onlyCall());
+    const std::string expected = R"({"function":"bi_netled_set_state","args":[2],"return":0})";
+    const bool fileHoldsIt = lines == std::vector<std::string>{expected};
+    const bool memoryHoldsIt = onlyCall() == expected;
+    fprintf(stderr, "file %d, memory %d\n", fileHoldsIt, memoryHoldsIt);
+    return fileHoldsIt && memoryHoldsIt;
+}
+
+TEST(JournalTest, FileAndMemoryTogether) {
+    FreshProcessStyle fresh;
+    EXPECT_EXIT(exit(fileAndMemoryTogether() ? 0 : 1), ::testing::ExitedWithCode(0), "");
 }
 
 TEST(JournalTest, SetJournalFile) {
@@ -237,8 +250,13 @@ TEST(JournalTest, SetJournalFileRefusesAnUnwritablePath) {
 }
 
 TEST(JournalDeathTest, UnwritableJournalFileFromEnvironmentAborts) {
-    setenv("VESK_BOARD_JOURNAL", "/nonexistent-dir/journal", 1);
-    EXPECT_DEATH(bi_relay_get_state(), "vesksdk: VESK_BOARD_JOURNAL: /nonexistent-dir/journal");
+    FreshProcessStyle fresh;
+    EXPECT_DEATH(
+            {
+                setenv("VESK_BOARD_JOURNAL", "/nonexistent-dir/journal", 1);
+                bi_relay_get_state();
+            },
+            "vesksdk: VESK_BOARD_JOURNAL: /nonexistent-dir/journal");
 }
 
 }  // namespace

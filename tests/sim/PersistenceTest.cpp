@@ -230,10 +230,10 @@ TEST_F(PersistenceTest, DhcpSwitchAcrossProcesses) {
     EXPECT_EQ(0, inOtherProcess([] { return bi_info_set_product_info("false"); }));
     char record[VESK_PRODUCT_RECORD_SIZE] = {};
     EXPECT_EQ(0, bi_info_get_product_info(record));
-    EXPECT_STREQ("false", record + VESK_PRODUCT_USE_DHCP_OFFSET);
+    EXPECT_STREQ("false", record + 2016);
     EXPECT_EQ(-1, inOtherProcess([] { return bi_info_set_product_info("yes"); }));
     EXPECT_EQ(0, bi_info_get_product_info(record));
-    EXPECT_STREQ("false", record + VESK_PRODUCT_USE_DHCP_OFFSET);
+    EXPECT_STREQ("false", record + 2016);
 }
 
 TEST_F(PersistenceTest, ValuesOutliveTheProcessesThatSetThem) {

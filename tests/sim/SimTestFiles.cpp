@@ -11,18 +11,19 @@
 namespace vesk::test {
 namespace {
 
-// The board keeps its state in the device root: every test process of the simulator gets a
-// fresh root of its own, never the user's.
-class FreshRoot : public ::testing::Environment {
-  public:
-    void SetUp() override { mRoot = std::make_unique<TempRoot>(); }
-    void TearDown() override { mRoot.reset(); }
+// The board keeps its state in the device root: every test of the simulator gets a fresh root
+// of its own, never the user's nor the one of the test before.
+class FreshRoot : public ::testing::EmptyTestEventListener {
+    void OnTestStart(const ::testing::TestInfo&) override { mRoot = std::make_unique<TempRoot>(); }
+    void OnTestEnd(const ::testing::TestInfo&) override { mRoot.reset(); }
 
-  private:
     std::unique_ptr<TempRoot> mRoot;
 };
 
-::testing::Environment* const kFreshRoot = ::testing::AddGlobalTestEnvironment(new FreshRoot);
+const bool kFreshRoot = [] {
+    ::testing::UnitTest::GetInstance()->listeners().Append(new FreshRoot);
+    return true;
+}();
 
 }  // namespace
 

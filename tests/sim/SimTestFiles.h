@@ -1,6 +1,8 @@
 // Temporary files for the simulator's tests.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
 
@@ -9,5 +11,22 @@ namespace vesk::test {
 // A path in the test's temporary directory, unique to this process; removed by the caller.
 std::string temporaryPath(const std::string& name);
 std::vector<std::string> readLines(const std::string& path);
+
+// While it lives, EXPECT_EXIT and EXPECT_DEATH run their statement in a new run of this test
+// program ("threadsafe" death tests), a process where the simulator has not yet read
+// $VESK_BOARD_JOURNAL and $VESK_BOARD_SCRIPT, whatever the tests before did; the statement sets
+// them and makes the first board call. The style before is put back afterwards.
+class FreshProcessStyle {
+  public:
+    FreshProcessStyle() : mPrevious(GTEST_FLAG_GET(death_test_style)) {
+        GTEST_FLAG_SET(death_test_style, "threadsafe");
+    }
+    ~FreshProcessStyle() { GTEST_FLAG_SET(death_test_style, mPrevious); }
+    FreshProcessStyle(const FreshProcessStyle&) = delete;
+    FreshProcessStyle& operator=(const FreshProcessStyle&) = delete;
+
+  private:
+    std::string mPrevious;
+};
 
 }  // namespace vesk::test

@@ -3,6 +3,7 @@
 #include <cutils/properties.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 
 #include <fstream>
@@ -13,6 +14,10 @@
 namespace vesk::test {
 
 TempRoot::TempRoot() {
+    if (const char* previous = getenv("VESK_ROOT")) {
+        mHadPrevious = true;
+        mPrevious = previous;
+    }
     const char* tmp = getenv("TMPDIR");
     std::string pattern =
             std::string(tmp != nullptr && tmp[0] != '\0' ? tmp : "/tmp") + "/vesk-root-XXXXXX";
@@ -29,6 +34,16 @@ TempRoot::~TempRoot() {
     if (getenv("VESK_KEEP_TEST_ROOT") == nullptr) {
         std::string command = "rm -rf '" + mPath + "'";
         if (system(command.c_str()) != 0) fprintf(stderr, "could not remove %s\n", mPath.c_str());
+    }
+    // The root before this one, where there was one still standing; otherwise only the
+    // variable is put back.
+    struct stat st;
+    if (mHadPrevious && stat(mPrevious.c_str(), &st) == 0 && S_ISDIR(st.st_mode)) {
+        vesk::host::setDeviceRoot(mPrevious);
+    } else if (mHadPrevious) {
+        setenv("VESK_ROOT", mPrevious.c_str(), 1);
+    } else {
+        unsetenv("VESK_ROOT");
     }
 }
 

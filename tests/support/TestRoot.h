@@ -1,6 +1,7 @@
 /*
- * Test support: every test runs in its own process against a fresh temporary device root,
- * with the log captured in memory.
+ * Test support: every test runs against a fresh temporary device root, with the log captured
+ * in memory, and leaves the process as it found it (device root, $VESK_ROOT, log sink), so
+ * that a test program also passes with all its tests in one process, in any order.
  */
 #pragma once
 
@@ -13,7 +14,8 @@
 
 namespace vesk::test {
 
-// Creates a fresh device root below $TMPDIR and makes it this process's root; removes it again.
+// Creates a fresh device root below $TMPDIR and makes it this process's root; removes it again
+// and puts back the root (and $VESK_ROOT) that the process had before.
 class TempRoot {
   public:
     TempRoot();
@@ -27,12 +29,19 @@ class TempRoot {
 
   private:
     std::string mPath;
+    bool mHadPrevious = false;  // $VESK_ROOT was set before
+    std::string mPrevious;
 };
 
-// Base fixture: a fresh root, the log captured, the level property unset.
+// Base fixture: a fresh root (so a fresh property store: every property unset), the log
+// captured; the log goes back to stderr, the process's default, afterwards.
 class RootTest : public ::testing::Test {
   protected:
     RootTest() { vesk::host::startLogCapture(); }
+    ~RootTest() override {
+        vesk::host::clearCapturedLog();
+        vesk::host::logToStderr();
+    }
     TempRoot root;
 };
 

@@ -2,12 +2,10 @@
  * veskdm board: the simulated board's product description, its state file and the peer links
  * of its open serial channels, all in the device root; and processes the board may kill.
  */
-#include <limits.h>
 #include <stdio.h>
-#include <unistd.h>
 
 #include "Commands.h"
-#include "vesk/host/DeviceRoot.h"
+#include "vesk/sim/BoardStatus.h"
 #include "vesk/sim/ProductFile.h"
 #include "vesk/sim/StartedProcesses.h"
 #include "vesk/sim/StateFile.h"
@@ -15,34 +13,18 @@
 namespace veskdm {
 namespace {
 
-// The links a serial channel makes to the far end of its pseudo-terminal while it is open.
-const char* const kSerialLinks[] = {"ttyVESK485",  "ttyVESK485_2", "ttyVESK232",  "ttyVESKLORA",
-                                    "ttyVESKHDMI", "ttyVESKTTL",   "ttyVESKTTL_2"};
-
 void showWatchdog() {
-    nlohmann::json state;
-    {
-        vesk::sim::BoardFileLock lock;
-        state = vesk::sim::readJsonFile(vesk::sim::stateFilePath());
-    }
-    const nlohmann::json watchdog = state.value("watchdog", nlohmann::json::object());
-    printf("watchdog_open=%d\n", watchdog.value("open", false) ? 1 : 0);
-    printf("watchdog_device=%s\n", watchdog.value("device", "").c_str());
-    printf("watchdog_timeout=%u\n", watchdog.value("timeout", 0u));
-    printf("watchdog_feeds=%u\n", watchdog.value("feeds", 0u));
-    // Feeds that came too late: the board would have reset before each of them.
-    printf("watchdog_missed_feeds=%u\n", watchdog.value("missed_feeds", 0u));
+    const vesk::sim::WatchdogStatus watchdog = vesk::sim::watchdogStatus();
+    printf("watchdog_open=%d\n", watchdog.open ? 1 : 0);
+    printf("watchdog_device=%s\n", watchdog.device.c_str());
+    printf("watchdog_timeout=%u\n", watchdog.timeout);
+    printf("watchdog_feeds=%u\n", watchdog.feeds);
+    printf("watchdog_missed_feeds=%u\n", watchdog.missedFeeds);
 }
 
 void showSerialLinks() {
-    const std::string root = vesk::host::deviceRoot();
-    for (const char* name : kSerialLinks) {
-        std::string link = vesk::host::pathBelowRoot(root, std::string("/dev/") + name);
-        char target[PATH_MAX];
-        ssize_t length = readlink(link.c_str(), target, sizeof(target) - 1);
-        if (length < 0) continue;
-        target[length] = '\0';
-        printf("serial %s -> %s\n", name, target);
+    for (const vesk::sim::SerialLink& link : vesk::sim::serialLinks()) {
+        printf("serial %s -> %s\n", link.name.c_str(), link.target.c_str());
     }
 }
 

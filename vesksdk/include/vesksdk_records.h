@@ -12,10 +12,40 @@
 extern "C" {
 #endif
 
-/* Product record: NUL-terminated text slots, numbers and switches written as text. */
+/* Product record: NUL-terminated text slots, numbers and switches written as text. A text that
+ * fills its slot runs on into the next one. */
 #define VESK_PRODUCT_RECORD_SIZE 2048
-#define VESK_PRODUCT_MODEL_ID_OFFSET 64
-#define VESK_PRODUCT_USE_DHCP_OFFSET 2016
+struct vesk_product_record {
+    char vendor[64];
+    char model_id[32]; /* the product's model number, in decimal */
+    char hardware_version[32];
+    char product_name[128];
+    char serial_number[64];
+    char manufacture_date[64];
+    char firmware_version[64];
+    char mac[32];
+    char ip_address[32];
+    char netmask[32];
+    char description[1024];
+    char has_4g[32]; /* a switch: a decimal number, 0 for off */
+    char gateway[32];
+    char dns1[32];
+    char dns2[32];
+    char wifi_mac[32];
+    char bt_mac[32];
+    char panel[32];
+    char customer[32];
+    char has_wifi[32]; /* a switch */
+    char android_version[64];
+    char has_ops[32]; /* a switch */
+    char region[32];
+    char language[32];
+    char use_dhcp[32]; /* "true" or "false" */
+};
+
+/* The board models whose HDMI output mode the device manager computes itself (validates,
+ * applies and reads back); on every other model the board's resolution functions do it. */
+#define VESK_COMPUTED_MODELS 8470, 8476, 8475, 8478
 
 struct vesk_watchdog_record {
     char wdtDevice[64];
@@ -77,6 +107,35 @@ struct vesk_resolution_record {
 
 #ifdef __cplusplus
 }
+static_assert(sizeof(vesk_product_record) == VESK_PRODUCT_RECORD_SIZE, "product record");
+static_assert(offsetof(vesk_product_record, model_id) == 64, "product record model_id");
+static_assert(offsetof(vesk_product_record, hardware_version) == 96,
+              "product record hardware_version");
+static_assert(offsetof(vesk_product_record, product_name) == 128, "product record product_name");
+static_assert(offsetof(vesk_product_record, serial_number) == 256, "product record serial_number");
+static_assert(offsetof(vesk_product_record, manufacture_date) == 320,
+              "product record manufacture_date");
+static_assert(offsetof(vesk_product_record, firmware_version) == 384,
+              "product record firmware_version");
+static_assert(offsetof(vesk_product_record, mac) == 448, "product record mac");
+static_assert(offsetof(vesk_product_record, ip_address) == 480, "product record ip_address");
+static_assert(offsetof(vesk_product_record, netmask) == 512, "product record netmask");
+static_assert(offsetof(vesk_product_record, description) == 544, "product record description");
+static_assert(offsetof(vesk_product_record, has_4g) == 1568, "product record has_4g");
+static_assert(offsetof(vesk_product_record, gateway) == 1600, "product record gateway");
+static_assert(offsetof(vesk_product_record, dns1) == 1632, "product record dns1");
+static_assert(offsetof(vesk_product_record, dns2) == 1664, "product record dns2");
+static_assert(offsetof(vesk_product_record, wifi_mac) == 1696, "product record wifi_mac");
+static_assert(offsetof(vesk_product_record, bt_mac) == 1728, "product record bt_mac");
+static_assert(offsetof(vesk_product_record, panel) == 1760, "product record panel");
+static_assert(offsetof(vesk_product_record, customer) == 1792, "product record customer");
+static_assert(offsetof(vesk_product_record, has_wifi) == 1824, "product record has_wifi");
+static_assert(offsetof(vesk_product_record, android_version) == 1856,
+              "product record android_version");
+static_assert(offsetof(vesk_product_record, has_ops) == 1920, "product record has_ops");
+static_assert(offsetof(vesk_product_record, region) == 1952, "product record region");
+static_assert(offsetof(vesk_product_record, language) == 1984, "product record language");
+static_assert(offsetof(vesk_product_record, use_dhcp) == 2016, "product record use_dhcp");
 static_assert(sizeof(vesk_watchdog_record) == 72, "watchdog record");
 static_assert(sizeof(vesk_process_record) == 64, "process record");
 static_assert(offsetof(vesk_process_record, block) == 24, "process record block");

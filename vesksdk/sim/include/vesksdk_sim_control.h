@@ -22,6 +22,9 @@ std::vector<nlohmann::json> journal();
 // The calls of one function, in order.
 std::vector<nlohmann::json> journalOf(const std::string& function);
 void clearJournal();
+// Journals nothing from now on: no calls kept in memory, the journal file (the one named by
+// $VESK_BOARD_JOURNAL included) closed.
+void stopJournal();
 // Appends every later call to `path` as well (what $VESK_BOARD_JOURNAL does), replacing the
 // file named before. Returns false, with the reason in `error`, when it cannot be opened.
 bool setJournalFile(const std::string& path, std::string* error = nullptr);

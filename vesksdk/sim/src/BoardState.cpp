@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "StateRanges.h"
+#include "vesk/sim/BoardStatus.h"
 
 namespace vesk::sim {
 namespace {
@@ -60,14 +61,14 @@ nlohmann::json savedState(const BoardData& data) {
     const WatchdogState& dog = data.watchdog;
     return {
             {"values", data.values},
-            {"watchdog",
-             {{"open", dog.open},
-              {"device", dog.device},
-              {"timeout", dog.timeout},
-              {"feeds", dog.feeds},
-              {"last_feed_ms", dog.lastFeedMs},
-              {"missed_feeds", dog.missedFeeds},
-              {"last_miss_ms", dog.lastMissMs}}},
+            {statekey::kWatchdog,
+             {{statekey::kWatchdogOpen, dog.open},
+              {statekey::kWatchdogDevice, dog.device},
+              {statekey::kWatchdogTimeout, dog.timeout},
+              {statekey::kWatchdogFeeds, dog.feeds},
+              {statekey::kWatchdogLastFeedMs, dog.lastFeedMs},
+              {statekey::kWatchdogMissedFeeds, dog.missedFeeds},
+              {statekey::kWatchdogLastMissMs, dog.lastMissMs}}},
             {"log",
              {{"level", fieldText(data.log.level)},
               {"base", fieldText(data.log.base)},
@@ -89,15 +90,15 @@ void restoreSavedState(BoardData& data, const nlohmann::json& json) {
     if (json.contains("values") && json["values"].is_object()) {
         for (const auto& [key, value] : json["values"].items()) data.values[key] = value.get<int>();
     }
-    if (json.contains("watchdog") && json["watchdog"].is_object()) {
-        const nlohmann::json& dog = json["watchdog"];
-        data.watchdog.open = dog.value("open", false);
-        data.watchdog.device = dog.value("device", "");
-        data.watchdog.timeout = dog.value("timeout", 0u);
-        data.watchdog.feeds = dog.value("feeds", 0u);
-        data.watchdog.lastFeedMs = dog.value("last_feed_ms", int64_t{0});
-        data.watchdog.missedFeeds = dog.value("missed_feeds", 0u);
-        data.watchdog.lastMissMs = dog.value("last_miss_ms", int64_t{0});
+    if (json.contains(statekey::kWatchdog) && json[statekey::kWatchdog].is_object()) {
+        const nlohmann::json& dog = json[statekey::kWatchdog];
+        data.watchdog.open = dog.value(statekey::kWatchdogOpen, false);
+        data.watchdog.device = dog.value(statekey::kWatchdogDevice, "");
+        data.watchdog.timeout = dog.value(statekey::kWatchdogTimeout, 0u);
+        data.watchdog.feeds = dog.value(statekey::kWatchdogFeeds, 0u);
+        data.watchdog.lastFeedMs = dog.value(statekey::kWatchdogLastFeedMs, int64_t{0});
+        data.watchdog.missedFeeds = dog.value(statekey::kWatchdogMissedFeeds, 0u);
+        data.watchdog.lastMissMs = dog.value(statekey::kWatchdogLastMissMs, int64_t{0});
     }
     if (json.contains("log") && json["log"].is_object()) {
         const nlohmann::json& log = json["log"];

@@ -62,6 +62,11 @@ void clearJournal() {
     Journal::instance().clearMemory();
 }
 
+void stopJournal() {
+    ensureStarted();
+    Journal::instance().stop();
+}
+
 bool setJournalFile(const std::string& path, std::string* error) {
     ensureStarted();
     return Journal::instance().openFile(path, error);

@@ -1,36 +1,74 @@
 #include "Edid.h"
 
+#include <libxcvt/libxcvt.h>
+
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <memory>
 
 #include "EdidLayout.h"
-#include "VideoTimingCaculator.h"
 
 namespace vesk::sim {
 namespace {
 
-using vesk::hardware::veskdevicemanager::implementation::timing_t;
-using vesk::hardware::veskdevicemanager::implementation::VideoTimingCaculator;
-
 constexpr unsigned kMaxRate = 240;
 
-// The reduced-blanking CVT timing of the mode. A width that is not a whole number of 8-pixel
-// cells takes the timing of the next whole number of cells, the extra pixels going to the
-// front porch, so that the clock, the totals and the rate stay those of a CVT timing.
-timing_t reducedBlankingTiming(unsigned width, unsigned height, unsigned rate) {
+// What a detailed timing descriptor and the range limits need of a mode.
+struct Timing {
+    unsigned h_active = 0, h_blank = 0, h_front_porch = 0, h_sync = 0, h_total = 0;
+    unsigned v_active = 0, v_blank = 0, v_front_porch = 0, v_sync = 0;
+    bool h_sync_polarity = false, v_sync_polarity = false;
+    double pix_clock = 0;  // MHz
+    double v_freq = 0;     // Hz, to the mHz
+};
+
+// The reduced-blanking CVT timing of the mode, its blanking and sync as libxcvt works them out
+// (false when it cannot).
+// A width that is not a whole number of 8-pixel cells takes the timing of the next whole number
+// of cells, the extra pixels going to the front porch, so that the clock, the totals and the
+// rate stay those of a CVT timing.
+bool reducedBlankingTiming(unsigned width, unsigned height, unsigned rate, Timing& timing) {
     const unsigned cells = (width + 7) / 8 * 8;
-    VideoTimingCaculator calculator;
-    calculator.calculateCvt(cells, height, rate, 8, 3.0, "cvt_rb", false, false, false);
-    timing_t timing = calculator.getCvtTiming();
+    std::unique_ptr<libxcvt_mode_info, void (*)(void*)> mode(
+            libxcvt_gen_mode_info(static_cast<int>(cells), static_cast<int>(height),
+                                  static_cast<float>(rate), true, false),
+            free);
+    if (!mode || mode->htotal == 0 || mode->vtotal == 0) return false;
+    unsigned hSyncStart = mode->hsync_start, hSyncEnd = mode->hsync_end;
+    if (mode->hdisplay != cells) {
+        // libxcvt names 1360 x 768 as the 1366-wide panels it stands for, a pixel earlier to
+        // its sync; the monitor keeps the whole cells of the CVT timing.
+        hSyncStart += 1;
+        hSyncEnd += 1;
+    }
+    timing.h_active = cells;
+    timing.h_total = mode->htotal;
+    timing.h_blank = mode->htotal - cells;
+    timing.h_front_porch = hSyncStart - cells;
+    timing.h_sync = hSyncEnd - hSyncStart;
+    timing.v_active = mode->vdisplay;
+    timing.v_blank = mode->vtotal - mode->vdisplay;
+    timing.v_front_porch = mode->vsync_start - mode->vdisplay;
+    timing.v_sync = mode->vsync_end - mode->vsync_start;
+    timing.h_sync_polarity = (mode->mode_flags & LIBXCVT_MODE_FLAG_HSYNC_POSITIVE) != 0;
+    timing.v_sync_polarity = (mode->mode_flags & LIBXCVT_MODE_FLAG_VSYNC_POSITIVE) != 0;
+    // libxcvt divides by an estimated line period for its clock; the published method takes
+    // field rate x lines x pixels, rounded down to a whole 0.25 MHz.
+    const uint64_t pixelsPerFrame = uint64_t(mode->htotal) * mode->vtotal;
+    const uint64_t clockHz = uint64_t(rate) * pixelsPerFrame / 250000 * 250000;
+    timing.pix_clock = clockHz / 1e6;
+    timing.v_freq = std::round(double(clockHz) / double(pixelsPerFrame) * 1000) / 1000;
+
     const unsigned extra = cells - width;
     timing.h_active -= extra;
     timing.h_blank += extra;
     timing.h_front_porch += extra;
-    return timing;
+    return true;
 }
 
-bool fitsDescriptor(const timing_t& t) {
+bool fitsDescriptor(const Timing& t) {
     return t.h_active >= 1 && t.h_active <= 4095 && t.v_active >= 1 && t.v_active <= 4095 &&
            t.h_blank <= 4095 && t.v_blank <= 4095 && t.h_front_porch <= 1023 && t.h_sync <= 1023 &&
            t.v_front_porch <= 63 && t.v_sync <= 63 && t.pix_clock > 0 &&
@@ -42,7 +80,7 @@ unsigned millimetres(unsigned pixels) {
     return static_cast<unsigned>(std::lround(pixels * 25.4 / 96));
 }
 
-void putDetailedTiming(uint8_t* d, const timing_t& t) {
+void putDetailedTiming(uint8_t* d, const Timing& t) {
     const unsigned clock = static_cast<unsigned>(std::lround(t.pix_clock * 100));  // 10 kHz
     const unsigned hSize = millimetres(t.h_active), vSize = millimetres(t.v_active);
     d[0] = clock & 0xff;
@@ -86,7 +124,7 @@ uint8_t rangeByte(unsigned value, uint8_t& flags, uint8_t offsetFlag) {
 
 // Range limits that hold the preferred timing and 640 x 480 at 60 Hz (the established timing
 // and the CTA's VIC 1), within those of an ordinary monitor.
-void putRangeLimits(uint8_t* d, const timing_t& t) {
+void putRangeLimits(uint8_t* d, const Timing& t) {
     const double lineKHz = t.pix_clock * 1000.0 / t.h_total;
     const unsigned vMin = std::min(56u, static_cast<unsigned>(std::floor(t.v_freq)));
     const unsigned vMax = std::max(75u, static_cast<unsigned>(std::ceil(t.v_freq)));
@@ -115,7 +153,7 @@ void putSrgbChromaticity(uint8_t* base) {
     for (std::size_t i = 0; i < 8; ++i) base[27 + i] = static_cast<uint8_t>(high[i] >> 2);
 }
 
-void putBaseBlock(uint8_t* base, const EdidIdentity& identity, const timing_t& t) {
+void putBaseBlock(uint8_t* base, const EdidIdentity& identity, const Timing& t) {
     memcpy(base, kEdidHeader, sizeof(kEdidHeader));
     base[8] = 0x5a;  // manufacturer "VSK": three 5-bit letters, 22 19 11
     base[9] = 0x6b;
@@ -168,9 +206,11 @@ bool writeEdid(uint8_t* edid, const EdidIdentity& identity, unsigned width, unsi
         !(refresh >= 0.5f && refresh < kMaxRate + 0.5f)) {
         return false;
     }
-    const timing_t timing =
-            reducedBlankingTiming(width, height, static_cast<unsigned>(std::lround(refresh)));
-    if (!fitsDescriptor(timing)) return false;
+    Timing timing;
+    if (!reducedBlankingTiming(width, height, static_cast<unsigned>(std::lround(refresh)), timing) ||
+        !fitsDescriptor(timing)) {
+        return false;
+    }
     memset(edid, 0, VESK_EDID_SIZE);
     putBaseBlock(edid, identity, timing);
     putCtaBlock(edid + kEdidBlockSize);

@@ -31,6 +31,14 @@ void Journal::startMemory() {
     mMemory.clear();
 }
 
+void Journal::stop() {
+    std::lock_guard<std::mutex> lock(mMutex);
+    if (mFd >= 0) close(mFd);
+    mFd = -1;
+    mKeepInMemory = false;
+    mMemory.clear();
+}
+
 void Journal::clearMemory() {
     std::lock_guard<std::mutex> lock(mMutex);
     mMemory.clear();

@@ -18,6 +18,8 @@ class Journal {
     bool openFile(const std::string& path, std::string* error);
     void startMemory();
     void clearMemory();
+    // Closes the file and stops keeping calls in memory.
+    void stop();
     std::vector<nlohmann::json> memory();
 
     void record(const char* function, const nlohmann::json& args, const nlohmann::json& result);

@@ -1,6 +1,7 @@
 #include "vesk/sim/ProductFile.h"
 
 #include <cctype>
+#include <cstddef>
 #include <cstring>
 
 #include "vesk/sim/StateFile.h"
@@ -48,36 +49,41 @@ ProductDescription loadLocked() {
 
 }  // namespace
 
-// The record's slots. The model number and the DHCP word are the ones the device manager reads
-// for itself; the others are identity texts and three feature switches.
+// The record's slots (vesk_product_record), keyed by their field names. The model number and the
+// DHCP word are the ones the device manager reads for itself; the others are identity texts and
+// three feature switches.
 const std::vector<ProductField>& productFields() {
+// A field's key, offset and width.
+#define SLOT(member) \
+#member, offsetof(vesk_product_record, member), sizeof(vesk_product_record::member)
     static const std::vector<ProductField> fields = {
-            {"vendor", 0, 64, ProductValue::Text, "VESK"},
-            {"model_id", VESK_PRODUCT_MODEL_ID_OFFSET, 32, ProductValue::Decimal, "8470"},
-            {"hardware_version", 96, 32, ProductValue::Text, "V1.2"},
-            {"product_name", 128, 128, ProductValue::Text, "VESK media player"},
-            {"serial_number", 256, 64, ProductValue::Text, "VSK8470A00012345"},
-            {"manufacture_date", 320, 64, ProductValue::Text, "2024-03-18"},
-            {"firmware_version", 384, 64, ProductValue::Text, "1.4.2"},
-            {"mac", 448, 32, ProductValue::Mac, "02:56:45:53:4b:01"},
-            {"ip_address", 480, 32, ProductValue::Text, "192.168.1.100"},
-            {"netmask", 512, 32, ProductValue::Text, "255.255.255.0"},
-            {"description", 544, 1024, ProductValue::Text, "Digital signage player"},
-            {"has_4g", 1568, 32, ProductValue::Switch, "1"},
-            {"gateway", 1600, 32, ProductValue::Text, "192.168.1.1"},
-            {"dns1", 1632, 32, ProductValue::Text, "8.8.8.8"},
-            {"dns2", 1664, 32, ProductValue::Text, "8.8.4.4"},
-            {"wifi_mac", 1696, 32, ProductValue::Text, "02:56:45:53:4b:02"},
-            {"bt_mac", 1728, 32, ProductValue::Text, "02:56:45:53:4b:03"},
-            {"panel", 1760, 32, ProductValue::Text, "LVDS-1920x1080"},
-            {"customer", 1792, 32, ProductValue::Text, "generic"},
-            {"has_wifi", 1824, 32, ProductValue::Switch, "0"},
-            {"android_version", 1856, 64, ProductValue::Text, "11"},
-            {"has_ops", 1920, 32, ProductValue::Switch, "1"},
-            {"region", 1952, 32, ProductValue::Text, "CN"},
-            {"language", 1984, 32, ProductValue::Text, "en"},
-            {"use_dhcp", VESK_PRODUCT_USE_DHCP_OFFSET, 32, ProductValue::Dhcp, "true"},
+            {SLOT(vendor), ProductValue::Text, "VESK"},
+            {SLOT(model_id), ProductValue::Decimal, "8470"},
+            {SLOT(hardware_version), ProductValue::Text, "V1.2"},
+            {SLOT(product_name), ProductValue::Text, "VESK media player"},
+            {SLOT(serial_number), ProductValue::Text, "VSK8470A00012345"},
+            {SLOT(manufacture_date), ProductValue::Text, "2024-03-18"},
+            {SLOT(firmware_version), ProductValue::Text, "1.4.2"},
+            {SLOT(mac), ProductValue::Mac, "02:56:45:53:4b:01"},
+            {SLOT(ip_address), ProductValue::Text, "192.168.1.100"},
+            {SLOT(netmask), ProductValue::Text, "255.255.255.0"},
+            {SLOT(description), ProductValue::Text, "Digital signage player"},
+            {SLOT(has_4g), ProductValue::Switch, "1"},
+            {SLOT(gateway), ProductValue::Text, "192.168.1.1"},
+            {SLOT(dns1), ProductValue::Text, "8.8.8.8"},
+            {SLOT(dns2), ProductValue::Text, "8.8.4.4"},
+            {SLOT(wifi_mac), ProductValue::Text, "02:56:45:53:4b:02"},
+            {SLOT(bt_mac), ProductValue::Text, "02:56:45:53:4b:03"},
+            {SLOT(panel), ProductValue::Text, "LVDS-1920x1080"},
+            {SLOT(customer), ProductValue::Text, "generic"},
+            {SLOT(has_wifi), ProductValue::Switch, "0"},
+            {SLOT(android_version), ProductValue::Text, "11"},
+            {SLOT(has_ops), ProductValue::Switch, "1"},
+            {SLOT(region), ProductValue::Text, "CN"},
+            {SLOT(language), ProductValue::Text, "en"},
+            {SLOT(use_dhcp), ProductValue::Dhcp, "true"},
     };
+#undef SLOT
     return fields;
 }
 
@@ -131,7 +137,7 @@ std::string setProductValue(const std::string& key, const std::string& value) {
 }
 
 void fillProductRecord(const ProductDescription& description, char* record) {
-    memset(record, 0, VESK_PRODUCT_RECORD_SIZE);
+    memset(record, 0, sizeof(vesk_product_record));
     for (const ProductField& field : productFields()) {
         auto found = description.find(field.key);
         if (found == description.end()) continue;

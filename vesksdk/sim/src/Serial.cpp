@@ -14,7 +14,7 @@
 #include "PtyPort.h"
 #include "SerialSettings.h"
 #include "SimCall.h"
-#include "vesk/host/DeviceRoot.h"
+#include "vesk/sim/BoardStatus.h"
 #include "vesksdk.h"
 
 namespace vesk::sim {
@@ -22,11 +22,8 @@ namespace {
 
 enum class SerialChannel { Rs485, Rs485Second, Rs232, Lora, Hdmi, Ttl, TtlSecond, Count };
 
-// Where each channel's peer is published, below the device root.
-constexpr const char* kLinks[] = {"/dev/ttyVESK485",  "/dev/ttyVESK485_2", "/dev/ttyVESK232",
-                                  "/dev/ttyVESKLORA", "/dev/ttyVESKHDMI",  "/dev/ttyVESKTTL",
-                                  "/dev/ttyVESKTTL_2"};
-static_assert(std::size(kLinks) == static_cast<std::size_t>(SerialChannel::Count));
+// Each channel's peer is published at serialLinkPath(channel).
+static_assert(kSerialChannelCount == static_cast<std::size_t>(SerialChannel::Count));
 
 class SerialPorts {
   public:
@@ -42,8 +39,7 @@ class SerialPorts {
     }
 
     int open(SerialChannel channel, const termios& line) {
-        const std::string link =
-                vesk::host::pathBelowRoot(vesk::host::deviceRoot(), kLinks[index(channel)]);
+        const std::string link = serialLinkPath(index(channel));
         std::lock_guard<std::mutex> lock(mMutex);
         std::shared_ptr<PtyPort>& port = mPorts[index(channel)];
         if (port) port->close();

@@ -1,0 +1,46 @@
+/*
+ * Picture quality and HDR, switched through the platform's system-control tool.
+ */
+#include <vesksdk.h>
+
+#include "ServiceTrace.h"
+#include "TraceLines.h"
+#include "VeskDeviceManager.h"
+#include "VeskPlatform.h"
+
+namespace vesk::hardware::veskdevicemanager::implementation {
+
+Return<int32_t> VeskDeviceManager::setPQEnable(int32_t enable) {
+    trace("setPQEnable", VESK_TRACE_LINE("setPQEnable"));
+    if (enable == 1) {
+        vesk::platform::runCommand("test-systemcontrol --p 1 1");
+    } else if (enable == 0) {
+        vesk::platform::runCommand("test-systemcontrol --p 0 1");
+    }
+    return bi_set_pq_state(enable);
+}
+
+Return<int32_t> VeskDeviceManager::getPQEnable() {
+    trace("getPQEnable", VESK_TRACE_LINE("getPQEnable"));
+    return bi_get_pq_state();
+}
+
+// Both commands also select 2160p60hz: HDR switching always sets that output mode.
+Return<int32_t> VeskDeviceManager::setHDREnable(int32_t enable) {
+    trace("setHDREnable", VESK_TRACE_LINE("setHDREnable"));
+    if (enable == 0) {
+        int status = vesk::platform::runCommand(
+                "/system/bin/test-systemcontrol -d sdr rgb,8bit 2160p60hz");
+        if (status != 0) vesk::log::error(kTag, "%s: set HDR Disable failed\n", "setHDREnable");
+        return status;
+    }
+    if (enable == 1) {
+        int status = vesk::platform::runCommand(
+                "/system/bin/test-systemcontrol -d hdr 422,10bit 2160p60hz");
+        if (status != 0) vesk::log::error(kTag, "%s: set HDR Enable failed\n", "setHDREnable");
+        return status;
+    }
+    return -1;
+}
+
+}  // namespace vesk::hardware::veskdevicemanager::implementation
