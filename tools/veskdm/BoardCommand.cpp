@@ -3,8 +3,10 @@
  * of its open serial channels, all in the device root; and processes the board may kill.
  */
 #include <limits.h>
-#include <stdio.h>
 #include <unistd.h>
+
+#include <memory>
+#include <ostream>
 
 #include "Commands.h"
 #include "vesk/host/DeviceRoot.h"
@@ -19,76 +21,83 @@ namespace {
 const char* const kSerialLinks[] = {"ttyVESK485",  "ttyVESK485_2", "ttyVESK232",  "ttyVESKLORA",
                                     "ttyVESKHDMI", "ttyVESKTTL",   "ttyVESKTTL_2"};
 
-void showWatchdog() {
+void showWatchdog(std::ostream& out) {
     nlohmann::json state;
     {
         vesk::sim::BoardFileLock lock;
         state = vesk::sim::readJsonFile(vesk::sim::stateFilePath());
     }
     const nlohmann::json watchdog = state.value("watchdog", nlohmann::json::object());
-    printf("watchdog_open=%d\n", watchdog.value("open", false) ? 1 : 0);
-    printf("watchdog_device=%s\n", watchdog.value("device", "").c_str());
-    printf("watchdog_timeout=%u\n", watchdog.value("timeout", 0u));
-    printf("watchdog_feeds=%u\n", watchdog.value("feeds", 0u));
+    out << "watchdog_open=" << (watchdog.value("open", false) ? 1 : 0) << "\n";
+    out << "watchdog_device=" << watchdog.value("device", "") << "\n";
+    out << "watchdog_timeout=" << watchdog.value("timeout", 0u) << "\n";
+    out << "watchdog_feeds=" << watchdog.value("feeds", 0u) << "\n";
     // Feeds that came too late: the board would have reset before each of them.
-    printf("watchdog_missed_feeds=%u\n", watchdog.value("missed_feeds", 0u));
+    out << "watchdog_missed_feeds=" << watchdog.value("missed_feeds", 0u) << "\n";
 }
 
-void showSerialLinks() {
-    const std::string root = vesk::host::deviceRoot();
+void showSerialLinks(std::ostream& out, const std::string& root) {
     for (const char* name : kSerialLinks) {
         std::string link = vesk::host::pathBelowRoot(root, std::string("/dev/") + name);
         char target[PATH_MAX];
         ssize_t length = readlink(link.c_str(), target, sizeof(target) - 1);
         if (length < 0) continue;
         target[length] = '\0';
-        printf("serial %s -> %s\n", name, target);
+        out << "serial " << name << " -> " << target << "\n";
     }
 }
 
+struct BoardOptions {
+    std::string key;
+    std::string value;
+    std::vector<std::string> program;
+};
+
 }  // namespace
 
-void addBoardCommand(CLI::App& app) {
+void addBoardCommand(CLI::App& app, Context& context) {
     auto* board = app.add_subcommand("board", "the simulated board: product description, state");
     board->require_subcommand(1);
+    auto options = std::make_shared<BoardOptions>();
 
     auto* show = board->add_subcommand(
             "show",
             "print the product description (KEY=VALUE), the state file, the watchdog "
             "and the serial channels' peer links");
-    show->callback([] {
+    show->callback([&context] {
+        std::string root = context.useRoot();
+        std::ostream& out = context.out;
         vesk::sim::ProductDescription description = vesk::sim::loadProductDescription();
         for (const vesk::sim::ProductField& field : vesk::sim::productFields()) {
-            printf("%s=%s\n", field.key, description[field.key].c_str());
+            out << field.key << "=" << description[field.key] << "\n";
         }
-        printf("state_file=%s\n", vesk::sim::stateFilePath().c_str());
-        showWatchdog();
-        showSerialLinks();
+        out << "state_file=" << vesk::sim::stateFilePath() << "\n";
+        showWatchdog(out);
+        showSerialLinks(out, root);
     });
 
-    static std::string key;
-    static std::string value;
     auto* set = board->add_subcommand("set", "set one key of the product description");
-    set->add_option("KEY", key)->required();
-    set->add_option("VALUE", value)->required();
-    set->callback([] {
-        std::string problem = vesk::sim::setProductValue(key, value);
+    set->add_option("KEY", options->key)->required();
+    set->add_option("VALUE", options->value)->required();
+    set->callback([options, &context] {
+        context.useRoot();
+        std::string problem = vesk::sim::setProductValue(options->key, options->value);
         if (!problem.empty()) throw UsageError(problem);
     });
 
     // A process the board may kill (killProcessNum refuses every other one).
-    static std::vector<std::string> program;
     auto* start = board->add_subcommand(
             "start", "start PROGRAM [ARG...] as the board's own process and print its pid");
-    start->add_option("PROGRAM", program,
+    start->add_option("PROGRAM", options->program,
                       "program and its arguments (after -- if any starts "
                       "with -)")
             ->required()
             ->expected(-1);
-    start->callback([] {
-        int pid = vesk::sim::startBoardProcess(program);
-        if (pid < 0) throw CommandError("cannot start " + program[0]);
-        printf("%d\n", pid);
+    start->callback([options, &context] {
+        context.useRoot();
+        int pid = vesk::sim::startBoardProcess(options->program);
+        if (pid < 0) throw CommandError("cannot start " + options->program[0]);
+        context.out << pid << "\n";
     });
 }
 
