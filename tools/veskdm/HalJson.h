@@ -29,9 +29,13 @@ class ArgumentError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// The deepest nesting of arrays and objects an argument may have.
+inline constexpr size_t kMaxNesting = 64;
+
 // One command-line word as a JSON value. A word that starts like JSON (with {, [, ", - or a
 // digit) or is true, false or null must be valid JSON (objects without repeated keys); any
-// other word is taken as the string it spells.
+// other word is taken as the string it spells. JSON nested deeper than kMaxNesting is refused
+// before it is parsed.
 Json readArgumentWord(const std::string& word);
 
 // A value as it is quoted in messages (compact JSON, long values shortened).
