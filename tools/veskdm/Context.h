@@ -20,6 +20,8 @@ struct GlobalOptions {
     bool verbose = false;
 };
 
+class RunLog;
+
 class Context {
   public:
     Context(const Streams& streams, const RootChoice& root) : in(streams.in), out(streams.out), err(streams.err), mDefaultRoot(root) {}
@@ -29,6 +31,8 @@ class Context {
     std::ostream& err;
     GlobalOptions options;
     bool rootOptionGiven = false;
+    // A command that runs several steps (shell) settles the log of each (RunLog.h).
+    RunLog* log = nullptr;
 
     // Makes the run's root this process's device root and returns it. The default location is
     // made with its factory layout when missing; a root named by --root or $VESK_ROOT must

@@ -41,11 +41,27 @@ void RunLog::recordTo(const std::string& path) {
     mJsonPath = path;
 }
 
+void RunLog::release() {
+    std::lock_guard<std::mutex> lock(mMutex);
+    for (const std::string& text : mHeld) mErr << text;
+    mErr.flush();
+    mHeld.clear();
+}
+
+void RunLog::drop() {
+    std::lock_guard<std::mutex> lock(mMutex);
+    mHeld.clear();
+}
+
 // Called by the sink one line at a time.
 void RunLog::write(const vesk::host::LogLine& line) {
-    if (mVerbose || line.priority >= ANDROID_LOG_WARN) {
+    if (mVerbose) {
+        std::lock_guard<std::mutex> lock(mMutex);
         mErr << vesk::host::formatLogcatLine(line);
         mErr.flush();
+    } else if (line.priority >= ANDROID_LOG_WARN) {
+        std::lock_guard<std::mutex> lock(mMutex);
+        mHeld.push_back(vesk::host::formatLogcatLine(line));
     }
     if (mJsonPath.empty()) return;
     if (mJsonFile == nullptr) mJsonFile = fopen(mJsonPath.c_str(), "ae");

@@ -7,6 +7,7 @@
 #include "HalJson.h"
 #include "LazyService.h"
 #include "MethodTable.h"
+#include "RunLog.h"
 #include "ShellTokenizer.h"
 
 namespace veskdm {
@@ -34,11 +35,14 @@ int runShell(Context& context) {
         try {
             context.out << dumpJson(runCall(call, service.get())) << "\n";
             context.out.flush();  // a shell's client reads each answer before it writes the next
+            context.log->release();
         } catch (const TransportError& error) {
             context.err << where << call.method->name << ": transport error: " << error.what()
                         << "\n";
+            context.log->drop();
             failedCall = true;
         } catch (const std::bad_alloc&) {
+            context.log->drop();
             context.err << where << call.method->name
                         << ": out of memory: a size in the line cannot be allocated\n";
             failedCall = true;

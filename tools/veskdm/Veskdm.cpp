@@ -89,6 +89,7 @@ int runVeskdm(const std::vector<std::string>& args, const Streams& streams,
     RunLog log(streams.err);
     NotificationOutput notifications(streams.out);
     Context context(streams, root);
+    context.log = &log;
     CLI::App app{"veskdm: the device manager of the board, on the host"};
     app.require_subcommand(1);
     addGlobalOptions(app, context);
@@ -98,6 +99,11 @@ int runVeskdm(const std::vector<std::string>& args, const Streams& streams,
     });
     for (AddCommand add : commandList()) add(app, context);
     int status = parseAndRun(app, args, context);
+    if (status == 0) {
+        log.release();
+    } else {
+        log.drop();
+    }
     streams.out.flush();
     streams.err.flush();
     return status;
