@@ -56,9 +56,9 @@ TEST_F(LocalCommandsTest, EnvGetUnknownIsOneLineWithoutTheLog) {
 TEST_F(LocalCommandsTest, EnvOnAMissingDeviceIsOneLine) {
     std::string missing = root.path() + "/nonexistent";
     expectFailure(veskdm.run({"env", "print", "--device", missing}), 1,
-                  "veskdm: cannot read " + missing + ": No such file or directory");
+                  "veskdm: cannot read the boot loader's environment from " + missing);
     expectFailure(veskdm.run({"env", "print", "--device", root.path()}), 1,
-                  "veskdm: cannot read " + root.path() + ": is a directory");
+                  "veskdm: cannot read the boot loader's environment from " + root.path());
 }
 
 TEST_F(LocalCommandsTest, EnvOnAnUnreadableImageIsOneLine) {

@@ -2,7 +2,6 @@
  * veskdm env: the boot loader's environment, read and written through Ubootenv, on the device
  * root's partition or on any image given with --device.
  */
-#include <errno.h>
 #include <string.h>
 #include <sys/stat.h>
 
@@ -30,11 +29,12 @@ std::unique_ptr<Ubootenv> loadEnvironment(const EnvOptions& options, Context& co
     if (options.device.empty()) {
         context.useRoot();
     } else {
+        // Checked here: the environment library would log every failed attempt at it.
         struct stat st;
-        if (stat(options.device.c_str(), &st) != 0) {
-            throw CommandError("cannot read " + options.device + ": " + strerror(errno));
+        if (stat(options.device.c_str(), &st) != 0 || S_ISDIR(st.st_mode)) {
+            throw CommandError("cannot read the boot loader's environment from " +
+                               options.device);
         }
-        if (S_ISDIR(st.st_mode)) throw CommandError("cannot read " + options.device + ": is a directory");
     }
     auto env = options.device.empty() ? std::make_unique<Ubootenv>()
                                       : std::make_unique<Ubootenv>(options.device.c_str());
