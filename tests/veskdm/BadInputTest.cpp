@@ -208,7 +208,9 @@ const BadInput kBadInputs[] = {
         {"JsonNestedTooDeep",
          {"call", "writeSerialPort232", std::string(100000, '[') + std::string(100000, ']')},
          "JSON nested deeper than 64 levels"},
-        {"ShellControlByte", {"shell"}, "line 1: control byte 0x1b at column 16",
+        {"ShellControlByte",
+         {"shell"},
+         "line 1: control byte 0x1b at column 16",
          "setSysLedState \x1b[1m\n"},
         {"ShellUnbalancedBracket", {"shell"}, "line 1: ", "writeSpiFpga [1, 2\n"},
         // ---- the device root ----

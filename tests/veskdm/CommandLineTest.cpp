@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "InterfaceSlots.h"
 #include "InProcessRunner.h"
+#include "InterfaceSlots.h"
 
 namespace veskdm::test {
 namespace {
@@ -291,8 +291,8 @@ TEST_F(CommandLineTest, BracketsInsideAStringDoNotCount) {
 }
 
 TEST_F(CommandLineTest, DeepJsonInAShellLineIsThatLineOnly) {
-    Outcome outcome = veskdm.run({"shell"},
-                                 "writeSerialPort232 " + nested(100000) + "\nsetSysLedState 4\n");
+    Outcome outcome =
+            veskdm.run({"shell"}, "writeSerialPort232 " + nested(100000) + "\nsetSysLedState 4\n");
     EXPECT_EQ(outcome.status, 2);
     EXPECT_THAT(outcome.errLines(),
                 ElementsAre("veskdm: line 1: writeSerialPort232: argument 1 (vec<uint8_t> data): "
@@ -303,15 +303,13 @@ TEST_F(CommandLineTest, DeepJsonInAShellLineIsThatLineOnly) {
 }
 
 TEST_F(CommandLineTest, ControlBytesInAShellLineAreBadInputForThatLine) {
-    std::string input = std::string("setSysLedState 1") + '\0' + " 2\n" +
-                        "setSysLedState 5\x01\n" + "setSysLedState\t6\n" + "setSysLedState 7\x7f\n" +
-                        "setSysLedState 8\r\n";
+    std::string input = std::string("setSysLedState 1") + '\0' + " 2\n" + "setSysLedState 5\x01\n" +
+                        "setSysLedState\t6\n" + "setSysLedState 7\x7f\n" + "setSysLedState 8\r\n";
     Outcome outcome = veskdm.run({"shell"}, input);
     EXPECT_EQ(outcome.status, 2);
-    EXPECT_THAT(outcome.errLines(),
-                ElementsAre("veskdm: line 1: control byte 0x00 at column 17",
-                            "veskdm: line 2: control byte 0x01 at column 17",
-                            "veskdm: line 4: control byte 0x7f at column 17"));
+    EXPECT_THAT(outcome.errLines(), ElementsAre("veskdm: line 1: control byte 0x00 at column 17",
+                                                "veskdm: line 2: control byte 0x01 at column 17",
+                                                "veskdm: line 4: control byte 0x7f at column 17"));
     // A tab separates words; a carriage return that ends the line is its CRLF line end.
     EXPECT_THAT(calls(), ElementsAre("fetch default", "setSysLedState 6", "setSysLedState 8"));
 }

@@ -8,8 +8,7 @@
 
 namespace veskdm::test {
 
-EnvironmentScope::EnvironmentScope(
-        const std::vector<std::pair<std::string, std::string>>& variables) {
+EnvironmentScope::EnvironmentScope(const std::vector<std::pair<std::string, std::string>>& variables) {
     for (const auto& [name, value] : variables) {
         const char* old = getenv(name.c_str());
         mSaved.push_back({name, {old != nullptr, old != nullptr ? old : ""}});
@@ -42,8 +41,7 @@ Outcome runInProcess(const std::vector<std::string>& args, const std::string& in
     return outcome;
 }
 
-Outcome InProcessRunner::run(const std::vector<std::string>& args,
-                             const std::string& input) const {
+Outcome InProcessRunner::run(const std::vector<std::string>& args, const std::string& input) const {
     EnvironmentScope scope(environment);
     std::vector<std::string> words = {"--root", mRoot};
     words.insert(words.end(), args.begin(), args.end());

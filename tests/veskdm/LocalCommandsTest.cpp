@@ -49,8 +49,7 @@ TEST_F(LocalCommandsTest, EnvSetThenGet) {
 
 TEST_F(LocalCommandsTest, EnvGetUnknownIsOneLineWithoutTheLog) {
     // Loading the partition logs two information lines; they are not shown.
-    expectFailure(veskdm.run({"env", "get", "nosuchvar"}), 2,
-                  "veskdm: no such variable: nosuchvar");
+    expectFailure(veskdm.run({"env", "get", "nosuchvar"}), 2, "veskdm: no such variable: nosuchvar");
 }
 
 TEST_F(LocalCommandsTest, EnvOnAMissingDeviceIsOneLine) {
@@ -77,9 +76,9 @@ TEST_F(LocalCommandsTest, TimingModelineOfCvtReducedBlanking1080p) {
 }
 
 TEST_F(LocalCommandsTest, TimingOptionsStartFromTheirDefaultsInEveryRun) {
-    ASSERT_EQ(veskdm.run({"timing", "1920", "1080", "75", "--mode", "cvt", "--format", "json"})
-                      .status,
-              0);
+    ASSERT_EQ(
+            veskdm.run({"timing", "1920", "1080", "75", "--mode", "cvt", "--format", "json"}).status,
+            0);
     expectOk(veskdm.run({"timing", "1920", "1080", "--format", "modeline"}),
              "Modeline \"1920x1080_60\" 138.500 1920 1968 2000 2080 1080 1083 1088 1111 "
              "+hsync -vsync\n");

@@ -6,8 +6,8 @@
 #include <sstream>
 
 #include "MethodTable.h"
-#include "NotificationOutput.h"
 #include "MockDeviceManager.h"
+#include "NotificationOutput.h"
 
 namespace veskdm {
 namespace {
@@ -180,8 +180,7 @@ TEST_F(MethodBinderTest, LocalCallbackObjectPrintsNotifications) {
         NotificationOutput notifications(out);
         line = run({"hwRegistCallback", "callback"});
     }
-    EXPECT_EQ(out.str(),
-              "{\"notification\":{\"what\":5,\"message\":\"up\",\"payload\":[9]}}\n");
+    EXPECT_EQ(out.str(), "{\"notification\":{\"what\":5,\"message\":\"up\",\"payload\":[9]}}\n");
     EXPECT_EQ(line, R"({"method":"hwRegistCallback","return":0,"callbacks":[]})");
 }
 

@@ -50,8 +50,10 @@ class MissingRootTest : public vesk::test::RootTest {
 TEST_F(MissingRootTest, RootOptionNamingAMissingDirectory) {
     for (const char* command : {"prop", "env", "board"}) {
         std::vector<std::string> args = {"--root", root.path() + "/missing", command, "show"};
-        if (std::string(command) == "prop") args = {"--root", root.path() + "/missing", "prop", "set", "a", "b"};
-        if (std::string(command) == "env") args = {"--root", root.path() + "/missing", "env", "set", "a", "b"};
+        if (std::string(command) == "prop")
+            args = {"--root", root.path() + "/missing", "prop", "set", "a", "b"};
+        if (std::string(command) == "env")
+            args = {"--root", root.path() + "/missing", "env", "set", "a", "b"};
         Outcome outcome = runInProcess(args);
         EXPECT_EQ(outcome.status, 2) << command;
         EXPECT_EQ(outcome.err, "veskdm: --root: no such directory " + root.path() + "/missing\n");
@@ -84,7 +86,8 @@ TEST_F(MissingRootTest, AMissingDeviceMakesNoRoot) {
     std::string missing = root.path() + "/missing/env.img";
     Outcome outcome = runInProcess({"env", "print", "--device", missing});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err, "veskdm: cannot read the boot loader's environment from " + missing + "\n");
+    EXPECT_EQ(outcome.err,
+              "veskdm: cannot read the boot loader's environment from " + missing + "\n");
     expectNothingMade();
 }
 
@@ -183,8 +186,9 @@ TEST_F(LogTest, ARunPutsBackTheSinkAndTheEnvironment) {
     // The capture of the test fixture is in place again.
     vesk::host::clearCapturedLog();
     __android_log_print(ANDROID_LOG_INFO, "RootAndLogTest", "after the run");
-    EXPECT_THAT(vesk::test::capturedLogWithTag("RootAndLogTest"),
-                ElementsAre(vesk::host::LogLine{ANDROID_LOG_INFO, "RootAndLogTest", "after the run"}));
+    EXPECT_THAT(
+            vesk::test::capturedLogWithTag("RootAndLogTest"),
+            ElementsAre(vesk::host::LogLine{ANDROID_LOG_INFO, "RootAndLogTest", "after the run"}));
 }
 
 }  // namespace

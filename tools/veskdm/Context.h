@@ -24,7 +24,8 @@ class RunLog;
 
 class Context {
   public:
-    Context(const Streams& streams, const RootChoice& root) : in(streams.in), out(streams.out), err(streams.err), mDefaultRoot(root) {}
+    Context(const Streams& streams, const RootChoice& root)
+        : in(streams.in), out(streams.out), err(streams.err), mDefaultRoot(root) {}
 
     std::istream& in;
     std::ostream& out;

@@ -32,8 +32,7 @@ std::unique_ptr<Ubootenv> loadEnvironment(const EnvOptions& options, Context& co
         // Checked here: the environment library would log every failed attempt at it.
         struct stat st;
         if (stat(options.device.c_str(), &st) != 0 || S_ISDIR(st.st_mode)) {
-            throw CommandError("cannot read the boot loader's environment from " +
-                               options.device);
+            throw CommandError("cannot read the boot loader's environment from " + options.device);
         }
     }
     auto env = options.device.empty() ? std::make_unique<Ubootenv>()

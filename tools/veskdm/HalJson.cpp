@@ -1,7 +1,6 @@
 #include "HalJson.h"
 
 #include <algorithm>
-
 #include <charconv>
 #include <cmath>
 #include <cstdlib>

@@ -7,8 +7,8 @@ namespace veskdm {
 ScopedEnvironment::ScopedEnvironment(const std::vector<std::string>& names) {
     for (const std::string& name : names) {
         const char* value = getenv(name.c_str());
-        mSaved.emplace_back(name, value != nullptr ? std::optional<std::string>(value)
-                                                   : std::nullopt);
+        mSaved.emplace_back(name,
+                            value != nullptr ? std::optional<std::string>(value) : std::nullopt);
     }
 }
 

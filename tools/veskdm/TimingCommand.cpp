@@ -117,14 +117,15 @@ void printModeline(std::ostream& out, const timing_t& t, const TimingOptions& op
     const Count hSyncStart = Count{t.h_active} + t.h_front_porch;
     const Count hSyncEnd = hSyncStart + t.h_sync;
     out << format("Modeline \"%sx%s_%s\" %.3f %u %llu %llu %u %llu %llu %llu %llu %s %s%s\n",
-           options.width.c_str(), options.height.c_str(), options.rate.c_str(), t.pix_clock,
-           t.h_active, hSyncStart, hSyncEnd, t.h_total, vDisplay, vSyncStart, vSyncEnd, vTotal,
-           t.h_sync_polarity == 1 ? "+hsync" : "-hsync",
-           t.v_sync_polarity == 1 ? "+vsync" : "-vsync", options.interlaced ? " Interlace" : "");
+                  options.width.c_str(), options.height.c_str(), options.rate.c_str(), t.pix_clock,
+                  t.h_active, hSyncStart, hSyncEnd, t.h_total, vDisplay, vSyncStart, vSyncEnd,
+                  vTotal, t.h_sync_polarity == 1 ? "+hsync" : "-hsync",
+                  t.v_sync_polarity == 1 ? "+vsync" : "-vsync",
+                  options.interlaced ? " Interlace" : "");
 }
 
-void run(std::ostream& out, const TimingOptions& options, const CLI::Option* maxRefresh, const CLI::Option* maxWidth,
-         const CLI::Option* maxHeight) {
+void run(std::ostream& out, const TimingOptions& options, const CLI::Option* maxRefresh,
+         const CLI::Option* maxWidth, const CLI::Option* maxHeight) {
     uint32_t width = parsePositive(options.width, "width");
     uint32_t height = parsePositive(options.height, "height");
     uint32_t rate = parsePositive(options.rate, "rate");
@@ -136,22 +137,22 @@ void run(std::ostream& out, const TimingOptions& options, const CLI::Option* max
     VideoTimingCaculator calculator;
     if (maxRefresh->count() > 0) {
         out << calculator.getMaxVFreq(width, height, options.maxRefreshClock, options.bits,
-                                              options.components, options.mode, options.margins,
-                                              options.interlaced, options.videoOptimized)
+                                      options.components, options.mode, options.margins,
+                                      options.interlaced, options.videoOptimized)
             << "\n";
         return;
     }
     if (maxWidth->count() > 0) {
         out << calculator.getMaxHPixs(height, rate, options.maxWidthClock, options.bits,
-                                              options.components, options.mode, options.margins,
-                                              options.interlaced, options.videoOptimized)
+                                      options.components, options.mode, options.margins,
+                                      options.interlaced, options.videoOptimized)
             << "\n";
         return;
     }
     if (maxHeight->count() > 0) {
         out << calculator.getMaxVPixs(width, rate, options.maxHeightClock, options.bits,
-                                              options.components, options.mode, options.margins,
-                                              options.interlaced, options.videoOptimized)
+                                      options.components, options.mode, options.margins,
+                                      options.interlaced, options.videoOptimized)
             << "\n";
         return;
     }

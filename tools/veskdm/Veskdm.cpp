@@ -47,8 +47,8 @@ void applyGlobalOptions(Context& context, RunLog& log) {
 void addGlobalOptions(CLI::App& app, Context& context) {
     GlobalOptions& options = context.options;
     app.add_option("--root", options.root,
-                                       "device root (default: $VESK_ROOT, then "
-                                       "$XDG_STATE_HOME/veskdm/root)");
+                   "device root (default: $VESK_ROOT, then "
+                   "$XDG_STATE_HOME/veskdm/root)");
     app.add_option("--log", options.log, "append every log line as JSON to FILE");
     app.add_option("--board-journal", options.boardJournal,
                    "append one JSON line per board call to FILE");
@@ -83,8 +83,7 @@ int parseAndRun(CLI::App& app, std::vector<std::string> args, Context& context) 
 
 }  // namespace
 
-int runVeskdm(const std::vector<std::string>& args, const Streams& streams,
-              const RootChoice& root) {
+int runVeskdm(const std::vector<std::string>& args, const Streams& streams, const RootChoice& root) {
     ScopedEnvironment environment({"VESK_ROOT", "VESK_BOARD_JOURNAL", "VESK_BOARD_SCRIPT"});
     RunLog log(streams.err);
     NotificationOutput notifications(streams.out);

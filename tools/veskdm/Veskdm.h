@@ -28,8 +28,7 @@ struct Streams {
 // command failed, 2 for bad input. Every problem is one line "veskdm: ..." on streams.err.
 // The process's environment ($VESK_ROOT, $VESK_BOARD_JOURNAL, $VESK_BOARD_SCRIPT) and log sink
 // are as before when it returns; the device root of the process stays the one it used.
-int runVeskdm(const std::vector<std::string>& args, const Streams& streams,
-              const RootChoice& root);
+int runVeskdm(const std::vector<std::string>& args, const Streams& streams, const RootChoice& root);
 
 // $VESK_ROOT when set (named), else $XDG_STATE_HOME/veskdm/root, else
 // ~/.local/state/veskdm/root.
