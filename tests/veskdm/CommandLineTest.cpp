@@ -323,6 +323,15 @@ TEST_F(CommandLineTest, AnAllocationThatFailsIsStatusOneAndOneLine) {
     EXPECT_EQ(outcome.out, "");
 }
 
+TEST_F(CommandLineTest, AResultTooLongToPrintIsStatusOneAndOneLine) {
+    // 2^24 + 1 bytes: the service has them, their printing is past the tool's bound.
+    Outcome outcome = veskdm.run({"call", "readSpiFpga", "16777217"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errLines(),
+                ElementsAre("veskdm: out of memory: a size in the command cannot be allocated"));
+    EXPECT_EQ(outcome.out, "");
+}
+
 TEST_F(CommandLineTest, AnAllocationThatFailsInAShellEndsOnlyThatLine) {
     Outcome outcome = veskdm.run({"shell"}, "readSpiFpga 2147483647\nsetSysLedState 9\n");
     EXPECT_EQ(outcome.status, 1);
