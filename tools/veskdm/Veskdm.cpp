@@ -89,7 +89,7 @@ int runVeskdm(const std::vector<std::string>& args, const Streams& streams, cons
     NotificationOutput notifications(streams.out);
     Context context(streams, root);
     context.log = &log;
-    CLI::App app{"veskdm: the device manager of the board, on the host"};
+    CLI::App app{"veskdm: the device manager of the board, on the host", "veskdm"};
     app.require_subcommand(1);
     addGlobalOptions(app, context);
     app.parse_complete_callback([&app, &context, &log] {
