@@ -1,11 +1,14 @@
-// veskdm timing, run as a program: text, JSON and modeline output, the searches, bad input.
+// veskdm timing, run in-process: text, JSON and modeline output, the searches, bad input.
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include "TestRoot.h"
 #include "TimingTestSupport.h"
+#include "Veskdm.h"
 
 namespace vesk::test {
 namespace {
@@ -18,13 +21,24 @@ struct ToolRun {
 
 class TimingCommandTest : public RootTest {
   protected:
+    // veskdm --root ROOT ARGUMENTS, run in this process; the words are separated by blanks, and
+    // a word in single quotes loses them.
     ToolRun veskdm(const std::string& arguments) {
-        std::string errPath = root.path() + "/veskdm.stderr";
-        std::string command = std::string(VESK_BINARY_DIR "/bin/veskdm --root '") + root.path() +
-                              "' " + arguments + " 2>'" + errPath + "'";
+        std::vector<std::string> args = {"--root", root.path()};
+        std::istringstream words(arguments);
+        for (std::string word; words >> word;) {
+            if (word.size() >= 2 && word.front() == '\'' && word.back() == '\'') {
+                word = word.substr(1, word.size() - 2);
+            }
+            args.push_back(word);
+        }
+        std::istringstream in;
+        std::ostringstream out;
+        std::ostringstream err;
         ToolRun run;
-        run.out = runCommand(command, &run.status);
-        run.err = readFile(errPath);
+        run.status = veskdm::runVeskdm(args, {in, out, err}, veskdm::rootFromEnvironment());
+        run.out = out.str();
+        run.err = err.str();
         return run;
     }
     std::string logPath() const { return root.path() + "/log.json"; }

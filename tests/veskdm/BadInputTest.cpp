@@ -9,7 +9,7 @@
 
 #include <map>
 
-#include "RunVeskdm.h"
+#include "InProcessRunner.h"
 
 namespace veskdm::test {
 namespace {
@@ -82,15 +82,10 @@ class BadInputTest : public ::testing::TestWithParam<BadInput> {
         if (!ownRoot)
             args.insert(args.begin(),
                         {"--root", "{root}", "--board-journal", "{journal}", "--log", "{log}"});
-        vesk::test::writeFile(work + "/stdin", bad.input);
-        std::string command =
-                "VESK_IMPL_LIB= VESK_BOARD_SCRIPT= VESK_BOARD_JOURNAL= " VESK_BINARY_DIR
-                "/bin/veskdm";
-        for (const std::string& arg : args) command += " " + shellQuote(expand(arg));
-        command += " < " + shellQuote(work + "/stdin") + " 2> " + shellQuote(work + "/stderr");
-        Outcome outcome;
-        outcome.out = vesk::test::runCommand(command, &outcome.status);
-        outcome.err = vesk::test::readFile(work + "/stderr");
+        for (std::string& arg : args) arg = expand(arg);
+        EnvironmentScope environment(
+                {{"VESK_IMPL_LIB", ""}, {"VESK_BOARD_SCRIPT", ""}, {"VESK_BOARD_JOURNAL", ""}});
+        Outcome outcome = runInProcess(args, bad.input);
         return outcome;
     }
 
@@ -209,11 +204,21 @@ const BadInput kBadInputs[] = {
         {"TrailingText", {"call", "setSysLedState", "1 2"}, "unreadable JSON"},
         // ---- shell: one bad line, one line on stderr ----
         {"ShellBadLine", {"shell"}, "line 1: ", "setSysLedState on\n"},
+        // ---- hostile input ----
+        {"JsonNestedTooDeep",
+         {"call", "writeSerialPort232", std::string(100000, '[') + std::string(100000, ']')},
+         "JSON nested deeper than 64 levels"},
+        {"ShellControlByte",
+         {"shell"},
+         "line 1: control byte 0x1b at column 16",
+         "setSysLedState \x1b[1m\n"},
         {"ShellUnbalancedBracket", {"shell"}, "line 1: ", "writeSpiFpga [1, 2\n"},
         // ---- the device root ----
         {"EmptyRoot", {"--root", "", "call", "getSysLedState"}, "--root"},
         {"RootIsAFile", {"--root", "{file}", "call", "getSysLedState"}, "is not a directory"},
-        {"RootBelowAFile", {"--root", "{file}/root", "call", "getSysLedState"}, "cannot create"},
+        {"RootBelowAFile", {"--root", "{file}/root", "call", "getSysLedState"}, "no such directory"},
+        // A root named with --root is never made.
+        {"MissingRoot", {"--root", "{dir}/root", "prop", "set", "a", "b"}, "no such directory"},
         {"RootWithoutItsValue", {"--root"}, "--root"},
         // ---- the board script and journal ----
         {"MissingScript",

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "InProcessRunner.h"
 #include "InterfaceSlots.h"
-#include "RunVeskdm.h"
 
 namespace veskdm::test {
 namespace {
@@ -15,8 +15,7 @@ using ::testing::StartsWith;
 class CommandLineTest : public ::testing::Test {
   protected:
     CommandLineTest() {
-        veskdm.environment = {"VESK_IMPL_LIB=" + shellQuote(VESKDM_FAKE_IMPL),
-                              "VESK_FAKE_CALLS=" + shellQuote(callsFile)};
+        veskdm.environment = {{"VESK_IMPL_LIB", VESKDM_FAKE_IMPL}, {"VESK_FAKE_CALLS", callsFile}};
     }
 
     // What the stand-in library saw, one line per factory or method call.
@@ -33,7 +32,7 @@ class CommandLineTest : public ::testing::Test {
 
     vesk::test::TempRoot root;
     std::string callsFile = root.path() + "/fake-calls";
-    VeskdmRunner veskdm{root};
+    InProcessRunner veskdm{root};
 };
 
 TEST_F(CommandLineTest, MethodsListsEverySlotInOrder) {
@@ -184,7 +183,7 @@ TEST_F(CommandLineTest, EmptyShell) {
 }
 
 TEST_F(CommandLineTest, MissingLibraryIsAFailureNotBadInput) {
-    veskdm.environment = {"VESK_IMPL_LIB=" + shellQuote(root.path() + "/none.so")};
+    veskdm.environment = {{"VESK_IMPL_LIB", root.path() + "/none.so"}};
     Outcome outcome = veskdm.run({"call", "getSysLedState"});
     EXPECT_EQ(outcome.status, 1);
     ASSERT_EQ(outcome.errLines().size(), 1u);
@@ -259,6 +258,88 @@ TEST_F(CommandLineTest, RefusesMissingMethod) {
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.errLines().size(), 1u);
     EXPECT_THAT(calls(), ElementsAre());
+}
+
+// ---- hostile input ----
+
+std::string nested(size_t depth) {
+    return std::string(depth, '[') + std::string(depth, ']');
+}
+
+TEST_F(CommandLineTest, JsonNestedDeeperThan64IsBadInput) {
+    // 100000 levels would overflow the stack of a recursive printer: refused before parsing.
+    for (size_t depth : {65u, 100000u}) {
+        expectRefused({"call", "writeSerialPort232", nested(depth)},
+                      "writeSerialPort232: argument 1 (vec<uint8_t> data): JSON nested deeper "
+                      "than 64 levels");
+    }
+}
+
+TEST_F(CommandLineTest, JsonNestedExactly64IsReadAsJson) {
+    // 64 levels are read; the value is then no byte vector (the type check speaks).
+    Outcome outcome = veskdm.run({"call", "writeSerialPort232", nested(64)});
+    EXPECT_EQ(outcome.status, 2);
+    ASSERT_EQ(outcome.errLines().size(), 1u);
+    EXPECT_THAT(outcome.err, ::testing::Not(::testing::HasSubstr("nested deeper")));
+    EXPECT_THAT(outcome.err, StartsWith("veskdm: writeSerialPort232: argument 1"));
+}
+
+TEST_F(CommandLineTest, BracketsInsideAStringDoNotCount) {
+    Outcome outcome = veskdm.run({"call", "feedWatchDog", "\"" + std::string(100, '[') + "\""});
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_THAT(calls(), ElementsAre("fetch default", "feedWatchDog"));
+}
+
+TEST_F(CommandLineTest, DeepJsonInAShellLineIsThatLineOnly) {
+    Outcome outcome =
+            veskdm.run({"shell"}, "writeSerialPort232 " + nested(100000) + "\nsetSysLedState 4\n");
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_THAT(outcome.errLines(),
+                ElementsAre("veskdm: line 1: writeSerialPort232: argument 1 (vec<uint8_t> data): "
+                            "JSON nested deeper than 64 levels"));
+    EXPECT_THAT(outcome.outLines(),
+                ElementsAre(R"({"method":"setSysLedState","return":0,"callbacks":[]})"));
+    EXPECT_THAT(calls(), ElementsAre("fetch default", "setSysLedState 4"));
+}
+
+TEST_F(CommandLineTest, ControlBytesInAShellLineAreBadInputForThatLine) {
+    std::string input = std::string("setSysLedState 1") + '\0' + " 2\n" + "setSysLedState 5\x01\n" +
+                        "setSysLedState\t6\n" + "setSysLedState 7\x7f\n" + "setSysLedState 8\r\n";
+    Outcome outcome = veskdm.run({"shell"}, input);
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_THAT(outcome.errLines(), ElementsAre("veskdm: line 1: control byte 0x00 at column 17",
+                                                "veskdm: line 2: control byte 0x01 at column 17",
+                                                "veskdm: line 4: control byte 0x7f at column 17"));
+    // A tab separates words; a carriage return that ends the line is its CRLF line end.
+    EXPECT_THAT(calls(), ElementsAre("fetch default", "setSysLedState 6", "setSysLedState 8"));
+}
+
+TEST_F(CommandLineTest, AnAllocationThatFailsIsStatusOneAndOneLine) {
+    // The stand-in fails to allocate for sizes past 1 GiB, as an allocator out of memory does.
+    Outcome outcome = veskdm.run({"call", "readSpiFpga", "2147483647"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errLines(),
+                ElementsAre("veskdm: out of memory: a size in the command cannot be allocated"));
+    EXPECT_EQ(outcome.out, "");
+}
+
+TEST_F(CommandLineTest, AResultTooLongToPrintIsStatusOneAndOneLine) {
+    // 2^24 + 1 bytes: the service has them, their printing is past the tool's bound.
+    Outcome outcome = veskdm.run({"call", "readSpiFpga", "16777217"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errLines(),
+                ElementsAre("veskdm: out of memory: a size in the command cannot be allocated"));
+    EXPECT_EQ(outcome.out, "");
+}
+
+TEST_F(CommandLineTest, AnAllocationThatFailsInAShellEndsOnlyThatLine) {
+    Outcome outcome = veskdm.run({"shell"}, "readSpiFpga 2147483647\nsetSysLedState 9\n");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errLines(),
+                ElementsAre("veskdm: line 1: readSpiFpga: out of memory: a size in the line "
+                            "cannot be allocated"));
+    EXPECT_THAT(outcome.outLines(),
+                ElementsAre(R"({"method":"setSysLedState","return":0,"callbacks":[]})"));
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <stdlib.h>
 #include <vesk/hardware/veskdevicemanager/1.0/IVeskDeviceManager.h>
 
+#include <new>
 #include <string>
 
 namespace {
@@ -86,9 +87,11 @@ class FakeDeviceManager : public RecordingDeviceManager {
         cb(status);
         return Void();
     }
-    // Delivers its result twice, to show that every invocation is kept.
+    // Delivers its result twice, to show that every invocation is kept. Past 1 GiB it fails
+    // to allocate, as an allocator out of memory would.
     Return<void> readSpiFpga(int32_t size, readSpiFpga_cb cb) override {
         record("readSpiFpga " + std::to_string(size));
+        if (size > (1 << 30)) throw std::bad_alloc();
         hidl_vec<uint8_t> data(static_cast<size_t>(size));
         for (size_t i = 0; i < data.size(); ++i) data[i] = static_cast<uint8_t>(0xA0 + i);
         cb(size, data);

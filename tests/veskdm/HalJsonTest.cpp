@@ -538,5 +538,53 @@ TEST(CallbackArgument, NullOrLocalObject) {
     EXPECT_NE(errorOf<::android::sp<hal::IVeskDeviceCallback>>("cb"), "");
 }
 
+// ---- nesting ----
+
+std::string nestedArrays(size_t depth) {
+    return std::string(depth, '[') + std::string(depth, ']');
+}
+
+std::string nestingError(const std::string& word) {
+    try {
+        readArgumentWord(word);
+    } catch (const ArgumentError& error) {
+        return error.what();
+    }
+    return "";
+}
+
+TEST(HalJsonNestingTest, SixtyFourLevelsAreRead) {
+    Json value = readArgumentWord(nestedArrays(64));
+    size_t depth = 0;
+    for (const Json* at = &value; at->is_array(); at = at->empty() ? nullptr : &(*at)[0]) {
+        ++depth;
+        if (at->empty()) break;
+    }
+    EXPECT_EQ(depth, 64u);
+}
+
+TEST(HalJsonNestingTest, SixtyFiveLevelsAreRefused) {
+    EXPECT_EQ(nestingError(nestedArrays(65)), "JSON nested deeper than 64 levels");
+    // Objects and arrays count alike: 32 objects around 33 arrays.
+    std::string mixed;
+    for (int i = 0; i < 32; ++i) mixed += "{\"k\":";
+    mixed += nestedArrays(33);
+    for (int i = 0; i < 32; ++i) mixed += "}";
+    EXPECT_EQ(nestingError(mixed), "JSON nested deeper than 64 levels");
+}
+
+TEST(HalJsonNestingTest, DepthIsTheDeepestNotTheSum) {
+    // 40 levels twice side by side: 41 deep with the outer array.
+    std::string word = "[" + nestedArrays(40) + "," + nestedArrays(40) + "]";
+    EXPECT_EQ(nestingError(word), "");
+}
+
+TEST(HalJsonNestingTest, BracketsInStringsAndEscapedQuotesDoNotCount) {
+    std::string inString = "[\"" + std::string(100, '[') + "\\\"" + std::string(100, '{') + "\"]";
+    EXPECT_EQ(nestingError(inString), "");
+    EXPECT_EQ(readArgumentWord(inString)[0].get<std::string>(),
+              std::string(100, '[') + "\"" + std::string(100, '{'));
+}
+
 }  // namespace
 }  // namespace veskdm

@@ -14,7 +14,10 @@ class ImplLoaderTest : public ::testing::Test {
         setenv("VESK_FAKE_CALLS", calls.c_str(), 1);
         unsetenv("VESK_FAKE_NO_OBJECT");
     }
-    ~ImplLoaderTest() override { unsetenv("VESK_FAKE_CALLS"); }
+    ~ImplLoaderTest() override {
+        unsetenv("VESK_FAKE_CALLS");
+        unsetenv("VESK_FAKE_NO_OBJECT");
+    }
 
     std::string loadError(const std::string& path) {
         try {

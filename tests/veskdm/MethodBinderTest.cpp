@@ -3,8 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "MethodTable.h"
 #include "MockDeviceManager.h"
+#include "NotificationOutput.h"
 
 namespace veskdm {
 namespace {
@@ -171,10 +174,13 @@ TEST_F(MethodBinderTest, LocalCallbackObjectPrintsNotifications) {
                 if (callback != nullptr) callback->hwNotify(parcel);
                 return 0;
             }));
-    gm::internal::CaptureStdout();
-    std::string line = run({"hwRegistCallback", "callback"});
-    EXPECT_EQ(gm::internal::GetCapturedStdout(),
-              "{\"notification\":{\"what\":5,\"message\":\"up\",\"payload\":[9]}}\n");
+    std::ostringstream out;
+    std::string line;
+    {
+        NotificationOutput notifications(out);
+        line = run({"hwRegistCallback", "callback"});
+    }
+    EXPECT_EQ(out.str(), "{\"notification\":{\"what\":5,\"message\":\"up\",\"payload\":[9]}}\n");
     EXPECT_EQ(line, R"({"method":"hwRegistCallback","return":0,"callbacks":[]})");
 }
 

@@ -2,7 +2,9 @@
  * veskdm board: the simulated board's product description, its state file and the peer links
  * of its open serial channels, all in the device root; and processes the board may kill.
  */
-#include <stdio.h>
+
+#include <memory>
+#include <ostream>
 
 #include "Commands.h"
 #include "vesk/sim/BoardStatus.h"
@@ -13,64 +15,73 @@
 namespace veskdm {
 namespace {
 
-void showWatchdog() {
+void showWatchdog(std::ostream& out) {
     const vesk::sim::WatchdogStatus watchdog = vesk::sim::watchdogStatus();
-    printf("watchdog_open=%d\n", watchdog.open ? 1 : 0);
-    printf("watchdog_device=%s\n", watchdog.device.c_str());
-    printf("watchdog_timeout=%u\n", watchdog.timeout);
-    printf("watchdog_feeds=%u\n", watchdog.feeds);
-    printf("watchdog_missed_feeds=%u\n", watchdog.missedFeeds);
+    out << "watchdog_open=" << (watchdog.open ? 1 : 0) << "\n";
+    out << "watchdog_device=" << watchdog.device << "\n";
+    out << "watchdog_timeout=" << watchdog.timeout << "\n";
+    out << "watchdog_feeds=" << watchdog.feeds << "\n";
+    // Feeds that came too late: the board would have reset before each of them.
+    out << "watchdog_missed_feeds=" << watchdog.missedFeeds << "\n";
 }
 
-void showSerialLinks() {
+void showSerialLinks(std::ostream& out) {
     for (const vesk::sim::SerialLink& link : vesk::sim::serialLinks()) {
-        printf("serial %s -> %s\n", link.name.c_str(), link.target.c_str());
+        out << "serial " << link.name << " -> " << link.target << "\n";
     }
 }
 
+struct BoardOptions {
+    std::string key;
+    std::string value;
+    std::vector<std::string> program;
+};
+
 }  // namespace
 
-void addBoardCommand(CLI::App& app) {
+void addBoardCommand(CLI::App& app, Context& context) {
     auto* board = app.add_subcommand("board", "the simulated board: product description, state");
     board->require_subcommand(1);
+    auto options = std::make_shared<BoardOptions>();
 
     auto* show = board->add_subcommand(
             "show",
             "print the product description (KEY=VALUE), the state file, the watchdog "
             "and the serial channels' peer links");
-    show->callback([] {
+    show->callback([&context] {
+        context.useRoot();
+        std::ostream& out = context.out;
         vesk::sim::ProductDescription description = vesk::sim::loadProductDescription();
         for (const vesk::sim::ProductField& field : vesk::sim::productFields()) {
-            printf("%s=%s\n", field.key, description[field.key].c_str());
+            out << field.key << "=" << description[field.key] << "\n";
         }
-        printf("state_file=%s\n", vesk::sim::stateFilePath().c_str());
-        showWatchdog();
-        showSerialLinks();
+        out << "state_file=" << vesk::sim::stateFilePath() << "\n";
+        showWatchdog(out);
+        showSerialLinks(out);
     });
 
-    static std::string key;
-    static std::string value;
     auto* set = board->add_subcommand("set", "set one key of the product description");
-    set->add_option("KEY", key)->required();
-    set->add_option("VALUE", value)->required();
-    set->callback([] {
-        std::string problem = vesk::sim::setProductValue(key, value);
+    set->add_option("KEY", options->key)->required();
+    set->add_option("VALUE", options->value)->required();
+    set->callback([options, &context] {
+        context.useRoot();
+        std::string problem = vesk::sim::setProductValue(options->key, options->value);
         if (!problem.empty()) throw UsageError(problem);
     });
 
     // A process the board may kill (killProcessNum refuses every other one).
-    static std::vector<std::string> program;
     auto* start = board->add_subcommand(
             "start", "start PROGRAM [ARG...] as the board's own process and print its pid");
-    start->add_option("PROGRAM", program,
+    start->add_option("PROGRAM", options->program,
                       "program and its arguments (after -- if any starts "
                       "with -)")
             ->required()
             ->expected(-1);
-    start->callback([] {
-        int pid = vesk::sim::startBoardProcess(program);
-        if (pid < 0) throw CommandError("cannot start " + program[0]);
-        printf("%d\n", pid);
+    start->callback([options, &context] {
+        context.useRoot();
+        int pid = vesk::sim::startBoardProcess(options->program);
+        if (pid < 0) throw CommandError("cannot start " + options->program[0]);
+        context.out << pid << "\n";
     });
 }
 

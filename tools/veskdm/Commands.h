@@ -1,52 +1,31 @@
 /*
- * veskdm's command modules. Each adds its subcommand to the application; main() applies the
- * global options before any command runs.
+ * veskdm's commands. Each command module is one source file with one function that adds its
+ * subcommand to the application; CommandList.cpp lists them. A command writes only to the
+ * context's streams and reports failure by throwing (Errors.h).
  */
 #pragma once
 
 #include <CLI/CLI.hpp>
-#include <stdexcept>
-#include <string>
+#include <vector>
+
+#include "Context.h"
+#include "Errors.h"
 
 namespace veskdm {
 
-struct GlobalOptions {
-    std::string root;
-    std::string log;
-    std::string boardJournal;
-    std::string boardScript;
-};
+// Adds one subcommand whose callbacks work with `context`; option values live as long as the
+// application (captured by its callbacks), so every run starts from their defaults.
+using AddCommand = void (*)(CLI::App& app, Context& context);
 
-// Bad input (unknown names, wrong arguments, unreadable JSON): main() prints the message as one
-// line on stderr and exits with status 2; nothing has been changed.
-class UsageError : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
+// Every command, in the order of the help text.
+const std::vector<AddCommand>& commandList();
 
-// A command failed on valid input (for example an unreadable device): one line on stderr,
-// exit status 1.
-class CommandError : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
-
-// The command has already reported its problems (one line each on stderr): main() prints
-// nothing more and exits with this status.
-class ExitStatus {
-  public:
-    explicit ExitStatus(int status) : mStatus(status) {}
-    int status() const { return mStatus; }
-
-  private:
-    int mStatus;
-};
-
-// Each registers one subcommand; its callback may throw UsageError or CommandError.
-void addPropCommand(CLI::App& app);
-void addServiceCommands(CLI::App& app);  // methods, call, shell
-void addEnvCommand(CLI::App& app);
-void addTimingCommand(CLI::App& app);
-void addBoardCommand(CLI::App& app);  // board show, board set
+void addPropCommand(CLI::App& app, Context& context);
+void addTimingCommand(CLI::App& app, Context& context);
+void addEnvCommand(CLI::App& app, Context& context);
+void addMethodsCommand(CLI::App& app, Context& context);
+void addCallCommand(CLI::App& app, Context& context);
+void addShellCommand(CLI::App& app, Context& context);
+void addBoardCommand(CLI::App& app, Context& context);
 
 }  // namespace veskdm

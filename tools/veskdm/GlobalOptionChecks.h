@@ -8,7 +8,8 @@
 
 namespace veskdm {
 
-// A device root that is, or can be made, a directory: throws UsageError otherwise.
+// A device root named with --root: an existing directory (a named root is never made);
+// throws UsageError otherwise.
 void checkRootPath(const std::string& root);
 // A board journal the board can append to (an existing file, or a new one in an existing
 // directory); nothing is created. Throws UsageError otherwise.

@@ -1,5 +1,6 @@
 #include "HalJson.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -128,10 +129,39 @@ bool looksLikeJson(const std::string& word) {
            (first >= '0' && first <= '9');
 }
 
+// The deepest nesting of arrays and objects in JSON text, brackets inside strings not counted.
+// Stops counting once past `limit`.
+size_t nestingDepth(const std::string& text, size_t limit) {
+    size_t depth = 0;
+    size_t deepest = 0;
+    bool inString = false;
+    for (size_t i = 0; i < text.size() && deepest <= limit; ++i) {
+        char c = text[i];
+        if (inString) {
+            if (c == '\\') {
+                ++i;
+            } else if (c == '"') {
+                inString = false;
+            }
+        } else if (c == '"') {
+            inString = true;
+        } else if (c == '[' || c == '{') {
+            deepest = std::max(deepest, ++depth);
+        } else if ((c == ']' || c == '}') && depth > 0) {
+            --depth;
+        }
+    }
+    return deepest;
+}
+
 }  // namespace
 
 Json readArgumentWord(const std::string& word) {
     if (!looksLikeJson(word)) return word;
+    // Deeper values are no value of the interface, and their printing would recurse as deep.
+    if (nestingDepth(word, kMaxNesting) > kMaxNesting) {
+        throw ArgumentError("JSON nested deeper than " + std::to_string(kMaxNesting) + " levels");
+    }
     // Repeated keys would silently drop a value: they are refused.
     std::vector<std::set<std::string>> openObjects;
     std::string repeatedKey;

@@ -11,6 +11,7 @@
 #include <vesk/hardware/veskdevicemanager/1.0/types.h>
 
 #include <limits>
+#include <new>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string>
@@ -29,9 +30,17 @@ class ArgumentError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// The deepest nesting of arrays and objects an argument may have.
+inline constexpr size_t kMaxNesting = 64;
+
+// The longest vector a result may hold to be printed; a longer one is a size that cannot be
+// allocated (std::bad_alloc).
+inline constexpr size_t kMaxPrintedElements = size_t{1} << 24;
+
 // One command-line word as a JSON value. A word that starts like JSON (with {, [, ", - or a
 // digit) or is true, false or null must be valid JSON (objects without repeated keys); any
-// other word is taken as the string it spells.
+// other word is taken as the string it spells. JSON nested deeper than kMaxNesting is refused
+// before it is parsed.
 Json readArgumentWord(const std::string& word);
 
 // A value as it is quoted in messages (compact JSON, long values shortened).
@@ -124,6 +133,9 @@ void fromJson(const Json& in, T& out) {
 
 template <typename T>
 Json toJson(const ::android::hardware::hidl_vec<T>& value) {
+    // Each element costs a JSON value and its text; past the bound the printing could not be
+    // allocated (and, where memory is overcommitted, would be killed rather than refused).
+    if (value.size() > kMaxPrintedElements) throw std::bad_alloc();
     Json out = Json::array();
     for (const T& element : value) out.push_back(toJson(element));
     return out;

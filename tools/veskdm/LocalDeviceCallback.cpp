@@ -1,8 +1,7 @@
 #include "LocalDeviceCallback.h"
 
-#include <stdio.h>
-
 #include "HalJson.h"
+#include "NotificationOutput.h"
 
 namespace veskdm {
 
@@ -10,8 +9,7 @@ namespace veskdm {
         const ::vesk::hardware::veskdevicemanager::V1_0::MessageParcel& parcel) {
     Json line = Json::object();
     line["notification"] = toJson(parcel);
-    printf("%s\n", dumpJson(line).c_str());
-    fflush(stdout);
+    NotificationOutput::printLine(dumpJson(line));
     return ::android::hardware::Void();
 }
 

@@ -1,6 +1,7 @@
 /*
  * A notification receiver of this process, for hwRegistCallback's argument "callback": each
- * notification it receives is printed as one JSON line {"notification":{...}} on stdout.
+ * notification it receives is printed as one JSON line {"notification":{...}} on the output of
+ * the run in progress (NotificationOutput.h).
  */
 #pragma once
 

@@ -1,5 +1,7 @@
 #include "ShellTokenizer.h"
 
+#include <stdio.h>
+
 #include "HalJson.h"
 
 namespace veskdm {
@@ -104,6 +106,17 @@ class Splitter {
 }  // namespace
 
 std::vector<std::string> splitShellLine(const std::string& line) {
+    // A carriage return that ends the line is its CRLF line end, not part of it.
+    size_t end = !line.empty() && line.back() == '\r' ? line.size() - 1 : line.size();
+    for (size_t i = 0; i < end; ++i) {
+        unsigned char c = static_cast<unsigned char>(line[i]);
+        if ((c < 0x20 && c != '\t') || c == 0x7f) {
+            char byte[8];
+            snprintf(byte, sizeof(byte), "0x%02x", c);
+            throw ArgumentError(std::string("control byte ") + byte + " at column " +
+                                std::to_string(i + 1));
+        }
+    }
     return Splitter(line).run();
 }
 

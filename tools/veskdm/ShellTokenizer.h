@@ -15,8 +15,8 @@
 
 namespace veskdm {
 
-// Throws ArgumentError for an unterminated quote, an unbalanced bracket or a trailing
-// backslash.
+// Throws ArgumentError for an unterminated quote, an unbalanced bracket, a trailing backslash
+// or a control byte other than a tab (a NUL, a carriage return...).
 std::vector<std::string> splitShellLine(const std::string& line);
 
 }  // namespace veskdm

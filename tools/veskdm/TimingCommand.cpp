@@ -7,6 +7,7 @@
 #include <stdlib.h>
 
 #include <cmath>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -49,12 +50,24 @@ uint32_t parsePositive(const std::string& text, const char* what) {
     return static_cast<uint32_t>(value);
 }
 
-void printText(const timing_t& t) {
-    forEachTimingDumpLine(
-            t, [&](const char* format, auto value) { printf(format, t.name.c_str(), value); });
+// printf-style formatting into a string.
+template <typename... Args>
+std::string format(const char* pattern, Args... args) {
+    int length = snprintf(nullptr, 0, pattern, args...);
+    if (length <= 0) return std::string();
+    std::string text(static_cast<size_t>(length) + 1, '\0');
+    snprintf(text.data(), text.size(), pattern, args...);
+    text.pop_back();
+    return text;
 }
 
-void printJson(const timing_t& t) {
+void printText(std::ostream& out, const timing_t& t) {
+    forEachTimingDumpLine(t, [&](const char* pattern, auto value) {
+        out << format(pattern, t.name.c_str(), value);
+    });
+}
+
+void printJson(std::ostream& out, const timing_t& t) {
     // JSON has no infinity: the periods of a timing without a clock print as null.
     nlohmann::ordered_json json = {
             {"name", t.name},
@@ -83,13 +96,13 @@ void printJson(const timing_t& t) {
             {"active_bw", t.active_bw},
             {"aspect", t.aspect},
     };
-    printf("%s\n", json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
+    out << json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << "\n";
 }
 
 // An X11 modeline for xrandr --newmode. The record counts the lines of one field, margins
 // outside v_active; a modeline counts the addressable lines including margins and, when
 // interlaced, the lines of a frame: twice a field's, plus the half line each field carries.
-void printModeline(const timing_t& t, const TimingOptions& options) {
+void printModeline(std::ostream& out, const timing_t& t, const TimingOptions& options) {
     using Count = unsigned long long;
     Count vDisplay = Count{t.v_total} - t.v_blank;
     Count vSyncStart = vDisplay + t.v_front_porch;
@@ -103,15 +116,16 @@ void printModeline(const timing_t& t, const TimingOptions& options) {
     }
     const Count hSyncStart = Count{t.h_active} + t.h_front_porch;
     const Count hSyncEnd = hSyncStart + t.h_sync;
-    printf("Modeline \"%sx%s_%s\" %.3f %u %llu %llu %u %llu %llu %llu %llu %s %s%s\n",
-           options.width.c_str(), options.height.c_str(), options.rate.c_str(), t.pix_clock,
-           t.h_active, hSyncStart, hSyncEnd, t.h_total, vDisplay, vSyncStart, vSyncEnd, vTotal,
-           t.h_sync_polarity == 1 ? "+hsync" : "-hsync",
-           t.v_sync_polarity == 1 ? "+vsync" : "-vsync", options.interlaced ? " Interlace" : "");
+    out << format("Modeline \"%sx%s_%s\" %.3f %u %llu %llu %u %llu %llu %llu %llu %s %s%s\n",
+                  options.width.c_str(), options.height.c_str(), options.rate.c_str(), t.pix_clock,
+                  t.h_active, hSyncStart, hSyncEnd, t.h_total, vDisplay, vSyncStart, vSyncEnd,
+                  vTotal, t.h_sync_polarity == 1 ? "+hsync" : "-hsync",
+                  t.v_sync_polarity == 1 ? "+vsync" : "-vsync",
+                  options.interlaced ? " Interlace" : "");
 }
 
-void run(const TimingOptions& options, const CLI::Option* maxRefresh, const CLI::Option* maxWidth,
-         const CLI::Option* maxHeight) {
+void run(std::ostream& out, const TimingOptions& options, const CLI::Option* maxRefresh,
+         const CLI::Option* maxWidth, const CLI::Option* maxHeight) {
     uint32_t width = parsePositive(options.width, "width");
     uint32_t height = parsePositive(options.height, "height");
     uint32_t rate = parsePositive(options.rate, "rate");
@@ -122,21 +136,24 @@ void run(const TimingOptions& options, const CLI::Option* maxRefresh, const CLI:
 
     VideoTimingCaculator calculator;
     if (maxRefresh->count() > 0) {
-        printf("%d\n", calculator.getMaxVFreq(width, height, options.maxRefreshClock, options.bits,
-                                              options.components, options.mode, options.margins,
-                                              options.interlaced, options.videoOptimized));
+        out << calculator.getMaxVFreq(width, height, options.maxRefreshClock, options.bits,
+                                      options.components, options.mode, options.margins,
+                                      options.interlaced, options.videoOptimized)
+            << "\n";
         return;
     }
     if (maxWidth->count() > 0) {
-        printf("%d\n", calculator.getMaxHPixs(height, rate, options.maxWidthClock, options.bits,
-                                              options.components, options.mode, options.margins,
-                                              options.interlaced, options.videoOptimized));
+        out << calculator.getMaxHPixs(height, rate, options.maxWidthClock, options.bits,
+                                      options.components, options.mode, options.margins,
+                                      options.interlaced, options.videoOptimized)
+            << "\n";
         return;
     }
     if (maxHeight->count() > 0) {
-        printf("%d\n", calculator.getMaxVPixs(width, rate, options.maxHeightClock, options.bits,
-                                              options.components, options.mode, options.margins,
-                                              options.interlaced, options.videoOptimized));
+        out << calculator.getMaxVPixs(width, rate, options.maxHeightClock, options.bits,
+                                      options.components, options.mode, options.margins,
+                                      options.interlaced, options.videoOptimized)
+            << "\n";
         return;
     }
 
@@ -144,18 +161,19 @@ void run(const TimingOptions& options, const CLI::Option* maxRefresh, const CLI:
                             options.margins, options.interlaced, options.videoOptimized);
     timing_t timing = calculator.getCvtTiming();
     if (options.format == "json") {
-        printJson(timing);
+        printJson(out, timing);
     } else if (options.format == "modeline") {
-        printModeline(timing, options);
+        printModeline(out, timing, options);
     } else {
-        printText(timing);
+        printText(out, timing);
     }
 }
 
 }  // namespace
 
-void addTimingCommand(CLI::App& app) {
-    static TimingOptions options;
+void addTimingCommand(CLI::App& app, Context& context) {
+    auto shared = std::make_shared<TimingOptions>();
+    TimingOptions& options = *shared;
     auto* timing = app.add_subcommand("timing", "CVT timing of W x H at RATE Hz (default 60)");
     timing->add_option("W", options.width, "active width, pixels")->required();
     timing->add_option("H", options.height, "active height, lines")->required();
@@ -177,7 +195,9 @@ void addTimingCommand(CLI::App& app) {
                                          "tallest frame under CLOCK MHz, less 12 (H ignored)");
     maxRefresh->excludes(maxWidth)->excludes(maxHeight);
     maxWidth->excludes(maxHeight);
-    timing->callback([=] { run(options, maxRefresh, maxWidth, maxHeight); });
+    timing->callback([shared, maxRefresh, maxWidth, maxHeight, &context] {
+        run(context.out, *shared, maxRefresh, maxWidth, maxHeight);
+    });
 }
 
 }  // namespace veskdm

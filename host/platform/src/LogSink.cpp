@@ -14,6 +14,7 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <mutex>
 #include <nlohmann/json.hpp>
 
@@ -24,33 +25,65 @@ std::mutex gMutex;
 std::string gJsonPath;           // guarded by gMutex
 FILE* gJsonFile = nullptr;       // guarded by gMutex; opened at the first line
 std::vector<LogLine> gCaptured;  // guarded by gMutex
+LogHandler gHandler;             // guarded by gMutex
+using Logger = void (*)(const __android_logger_data*, const char*);
+std::atomic<Logger> gLogger{nullptr};  // the sink in place, restored by ScopedLogHandler
+
+void install(Logger logger) {
+    gLogger.store(logger);
+    __android_log_set_logger(logger);
+}
 
 char priorityLetter(int priority) {
     static constexpr char kLetters[] = "??VDIWEFS";
     return priority >= 0 && priority < 9 ? kLetters[priority] : '?';
 }
 
-void stderrLogger(const __android_logger_data* data, const char* message) {
+}  // namespace
+
+std::string formatLogcatLine(const LogLine& line) {
     timeval now{};
     gettimeofday(&now, nullptr);
     tm local{};
     localtime_r(&now.tv_sec, &local);
     char stamp[32];
     strftime(stamp, sizeof(stamp), "%m-%d %H:%M:%S", &local);
-    std::string text = message;
+    std::string text = line.message;
     if (!text.empty() && text.back() == '\n') text.pop_back();
+    char head[96];
+    snprintf(head, sizeof(head), "%s.%03ld %5d %5ld %c ", stamp,
+             static_cast<long>(now.tv_usec / 1000), getpid(),
+             static_cast<long>(syscall(SYS_gettid)), priorityLetter(line.priority));
+    return head + line.tag + ": " + text + "\n";
+}
+
+std::string formatJsonLogLine(const LogLine& line) {
+    nlohmann::json json = {
+            {"priority", line.priority}, {"tag", line.tag}, {"message", line.message}};
+    // Log messages are not always valid UTF-8; replace what is not rather than throw.
+    return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+namespace {
+
+LogLine lineOf(const __android_logger_data* data, const char* message) {
+    return {data->priority, data->tag != nullptr ? data->tag : "", message};
+}
+
+void stderrLogger(const __android_logger_data* data, const char* message) {
+    std::string text = formatLogcatLine(lineOf(data, message));
     std::lock_guard<std::mutex> lock(gMutex);
-    fprintf(stderr, "%s.%03ld %5d %5ld %c %s: %s\n", stamp, static_cast<long>(now.tv_usec / 1000),
-            getpid(), static_cast<long>(syscall(SYS_gettid)), priorityLetter(data->priority),
-            data->tag != nullptr ? data->tag : "", text.c_str());
+    fputs(text.c_str(), stderr);
+}
+
+void handlerLogger(const __android_logger_data* data, const char* message) {
+    LogLine line = lineOf(data, message);
+    std::lock_guard<std::mutex> lock(gMutex);
+    if (gHandler) gHandler(line);
 }
 
 void jsonLogger(const __android_logger_data* data, const char* message) {
-    nlohmann::json line = {{"priority", data->priority},
-                           {"tag", data->tag != nullptr ? data->tag : ""},
-                           {"message", message}};
-    // Log messages are not always valid UTF-8; replace what is not rather than throw.
-    std::string text = line.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+    std::string text = formatJsonLogLine(lineOf(data, message));
     std::lock_guard<std::mutex> lock(gMutex);
     if (gJsonFile == nullptr) gJsonFile = fopen(gJsonPath.c_str(), "ae");
     // Checked when chosen; should it have gone since, the line goes to stderr, not nowhere.
@@ -74,20 +107,20 @@ bool canAppendTo(const std::string& path) {
 
 void captureLogger(const __android_logger_data* data, const char* message) {
     std::lock_guard<std::mutex> lock(gMutex);
-    gCaptured.push_back({data->priority, data->tag != nullptr ? data->tag : "", message});
+    gCaptured.push_back(lineOf(data, message));
 }
 
 void discardLogger(const __android_logger_data*, const char*) {}
 
 [[gnu::constructor]] void installDefaultSink() {
     __android_log_set_minimum_priority(ANDROID_LOG_VERBOSE);
-    __android_log_set_logger(stderrLogger);
+    install(stderrLogger);
 }
 
 }  // namespace
 
 void logToStderr() {
-    __android_log_set_logger(stderrLogger);
+    install(stderrLogger);
 }
 
 bool logToJsonFile(const std::string& path) {
@@ -98,13 +131,13 @@ bool logToJsonFile(const std::string& path) {
         gJsonFile = nullptr;
         gJsonPath = path;
     }
-    __android_log_set_logger(jsonLogger);
+    install(jsonLogger);
     return true;
 }
 
 void startLogCapture() {
     clearCapturedLog();
-    __android_log_set_logger(captureLogger);
+    install(captureLogger);
 }
 
 std::vector<LogLine> capturedLog() {
@@ -118,7 +151,22 @@ void clearCapturedLog() {
 }
 
 void discardLog() {
-    __android_log_set_logger(discardLogger);
+    install(discardLogger);
+}
+
+ScopedLogHandler::ScopedLogHandler(LogHandler handler)
+    : mPrevious(reinterpret_cast<void (*)()>(gLogger.load())) {
+    {
+        std::lock_guard<std::mutex> lock(gMutex);
+        gHandler = std::move(handler);
+    }
+    install(handlerLogger);
+}
+
+ScopedLogHandler::~ScopedLogHandler() {
+    install(reinterpret_cast<Logger>(mPrevious));
+    std::lock_guard<std::mutex> lock(gMutex);
+    gHandler = nullptr;
 }
 
 }  // namespace vesk::host

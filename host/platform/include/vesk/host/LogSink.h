@@ -4,6 +4,7 @@
  */
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -28,5 +29,24 @@ void clearCapturedLog();
 // Formats every line and keeps none (fuzzing: one input can log hundreds of thousands of
 // lines, which a capture would hold until the input ends).
 void discardLog();
+
+// A line as the stderr sink prints it (logcat style, line end included) and as the JSON-file
+// sink writes it (without the line end).
+std::string formatLogcatLine(const LogLine& line);
+std::string formatJsonLogLine(const LogLine& line);
+
+// Every line goes to `handler` (called one line at a time) while this object lives; the sink
+// in place before comes back when it goes.
+using LogHandler = std::function<void(const LogLine&)>;
+class ScopedLogHandler {
+  public:
+    explicit ScopedLogHandler(LogHandler handler);
+    ~ScopedLogHandler();
+    ScopedLogHandler(const ScopedLogHandler&) = delete;
+    ScopedLogHandler& operator=(const ScopedLogHandler&) = delete;
+
+  private:
+    void (*mPrevious)();
+};
 
 }  // namespace vesk::host

@@ -1,0 +1,13 @@
+#include "Commands.h"
+
+namespace veskdm {
+
+const std::vector<AddCommand>& commandList() {
+    static const std::vector<AddCommand> kCommands = {
+            addPropCommand, addTimingCommand, addEnvCommand,   addMethodsCommand,
+            addCallCommand, addShellCommand,  addBoardCommand,
+    };
+    return kCommands;
+}
+
+}  // namespace veskdm

@@ -1,0 +1,122 @@
+/*
+ * One run of veskdm: the global options, the commands of CommandList.cpp, and the mapping of
+ * every failure to one line on stderr and an exit status.
+ */
+#include "Veskdm.h"
+
+#include <stdlib.h>
+
+#include <algorithm>
+#include <new>
+
+#include "Commands.h"
+#include "GlobalOptionChecks.h"
+#include "NotificationOutput.h"
+#include "RunLog.h"
+#include "ScopedEnvironment.h"
+
+namespace veskdm {
+namespace {
+
+// The board journal and script are read by the simulated board from the environment.
+void exportPath(const char* variable, const std::string& path) {
+    if (!path.empty()) setenv(variable, path.c_str(), 1);
+}
+
+// The journal and script in effect: the option's, else the environment's.
+std::string effectivePath(const std::string& option, const char* variable) {
+    if (!option.empty()) return option;
+    const char* value = getenv(variable);
+    return value != nullptr ? value : "";
+}
+
+// Every path is checked before anything is loaded, called or created.
+void applyGlobalOptions(Context& context, RunLog& log) {
+    const GlobalOptions& options = context.options;
+    log.setVerbose(options.verbose);
+    if (context.rootOptionGiven) checkRootPath(options.root);
+    std::string journal = effectivePath(options.boardJournal, "VESK_BOARD_JOURNAL");
+    if (!journal.empty()) checkJournalPath(journal);
+    std::string script = effectivePath(options.boardScript, "VESK_BOARD_SCRIPT");
+    if (!script.empty()) checkScriptFile(script);
+    if (!options.log.empty()) log.recordTo(options.log);
+    exportPath("VESK_BOARD_JOURNAL", options.boardJournal);
+    exportPath("VESK_BOARD_SCRIPT", options.boardScript);
+}
+
+void addGlobalOptions(CLI::App& app, Context& context) {
+    GlobalOptions& options = context.options;
+    app.add_option("--root", options.root,
+                   "device root (default: $VESK_ROOT, then "
+                   "$XDG_STATE_HOME/veskdm/root)");
+    app.add_option("--log", options.log, "append every log line as JSON to FILE");
+    app.add_option("--board-journal", options.boardJournal,
+                   "append one JSON line per board call to FILE");
+    app.add_option("--board-script", options.boardScript, "JSON file of scripted board results");
+    app.add_flag("-v,--verbose", options.verbose,
+                 "show every log line on stderr (default: warnings and errors)");
+}
+
+int parseAndRun(CLI::App& app, std::vector<std::string> args, Context& context) {
+    std::reverse(args.begin(), args.end());  // CLI11 takes the words last first
+    try {
+        app.parse(args);
+    } catch (const CLI::CallForHelp& e) {
+        return app.exit(e, context.out, context.err);
+    } catch (const CLI::ParseError& e) {
+        context.err << "veskdm: " << e.what() << "\n";
+        return 2;
+    } catch (const UsageError& e) {
+        context.err << "veskdm: " << e.what() << "\n";
+        return 2;
+    } catch (const CommandError& e) {
+        context.err << "veskdm: " << e.what() << "\n";
+        return 1;
+    } catch (const ExitStatus& e) {
+        return e.status();
+    } catch (const std::bad_alloc&) {
+        context.err << "veskdm: out of memory: a size in the command cannot be allocated\n";
+        return 1;
+    }
+    return 0;
+}
+
+}  // namespace
+
+int runVeskdm(const std::vector<std::string>& args, const Streams& streams, const RootChoice& root) {
+    ScopedEnvironment environment({"VESK_ROOT", "VESK_BOARD_JOURNAL", "VESK_BOARD_SCRIPT"});
+    RunLog log(streams.err);
+    NotificationOutput notifications(streams.out);
+    Context context(streams, root);
+    context.log = &log;
+    CLI::App app{"veskdm: the device manager of the board, on the host", "veskdm"};
+    app.require_subcommand(1);
+    addGlobalOptions(app, context);
+    app.parse_complete_callback([&app, &context, &log] {
+        context.rootOptionGiven = app.get_option("--root")->count() > 0;
+        applyGlobalOptions(context, log);
+    });
+    for (AddCommand add : commandList()) add(app, context);
+    int status = parseAndRun(app, args, context);
+    if (status == 0) {
+        log.release();
+    } else {
+        log.drop();
+    }
+    streams.out.flush();
+    streams.err.flush();
+    return status;
+}
+
+RootChoice rootFromEnvironment() {
+    if (const char* env = getenv("VESK_ROOT"); env != nullptr && env[0] != '\0') {
+        return {env, true};
+    }
+    if (const char* state = getenv("XDG_STATE_HOME"); state != nullptr && state[0] == '/') {
+        return {std::string(state) + "/veskdm/root", false};
+    }
+    const char* home = getenv("HOME");
+    return {std::string(home != nullptr ? home : "/tmp") + "/.local/state/veskdm/root", false};
+}
+
+}  // namespace veskdm
