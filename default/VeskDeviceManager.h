@@ -241,6 +241,8 @@ struct VeskDeviceManager : public IVeskDeviceManager {
     Return<int32_t> getPowerAmplifierState() override;
 };
 
-extern "C" IVeskDeviceManager* HIDL_FETCH_IVeskDeviceManager(const char* name);
+// The passthrough factory: the library's one exported symbol (everything else is built hidden).
+extern "C" __attribute__((visibility("default"))) IVeskDeviceManager* HIDL_FETCH_IVeskDeviceManager(
+        const char* name);
 
 }  // namespace vesk::hardware::veskdevicemanager::implementation

@@ -4,7 +4,7 @@
 set -euo pipefail
 
 packages=(
-    build-essential cmake pkg-config clang lld llvm libclang-rt-14-dev clang-format clang-tidy
+    build-essential cmake pkg-config clang lld llvm libclang-rt-14-dev clang-format clang-tidy blueprint-tools
     hidl-gen android-libutils-dev android-liblog-dev android-libcutils-dev
     zlib1g-dev libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev
     libxcvt-dev u-boot-tools libubootenv-tool libubootenv-dev edid-decode lcov strace python3

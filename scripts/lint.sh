@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Style and static checks:
-#   scripts/lint.sh          every C/C++ file is as clang-format (.clang-format) writes it
+#   scripts/lint.sh          every C/C++ file is as clang-format (.clang-format) writes it, and
+#                            every Android.bp as bpfmt writes it
 #   scripts/lint.sh --tidy   and clang-tidy (.clang-tidy) finds nothing in the service, the host
 #                            stand-ins, the simulated board and the tool (needs build/default)
 set -euo pipefail
@@ -9,6 +10,16 @@ cd "$(dirname "$0")/.."
 mapfile -t sources < <(git ls-files '*.c' '*.cpp' '*.h')
 echo "clang-format: ${#sources[@]} files"
 clang-format --dry-run -Werror "${sources[@]}"
+
+mapfile -t blueprints < <(git ls-files '*Android.bp')
+echo "bpfmt: ${#blueprints[@]} files"
+unformatted=$(bpfmt -l "${blueprints[@]}")
+if [ -n "$unformatted" ]; then
+    echo "not in bpfmt's format (bpfmt -w FILE):"
+    echo "$unformatted"
+    bpfmt -d "${blueprints[@]}"
+    exit 1
+fi
 
 if [ "${1:-}" = "--tidy" ]; then
     mapfile -t units < <(git ls-files 'default/*.cpp' 'host/*.cpp' 'vesksdk/*.cpp' 'tools/*.cpp')

@@ -1,0 +1,59 @@
+#!/usr/bin/env python3
+"""Fails when a shared library defines a dynamic symbol outside its allowed interface.
+
+check_exports.py --readelf READELF LIBRARY PATTERN...: every defined global or weak symbol of
+LIBRARY's dynamic symbol table must match one of the regular expressions PATTERN, matched
+against the demangled name (c++filt); undefined imports are not the library's interface.
+Runs natively on any target's ELF (binutils' readelf reads foreign machines too)."""
+import argparse
+import re
+import subprocess
+import sys
+
+
+def defined_globals(readelf, library):
+    table = subprocess.run([readelf, "--dyn-syms", "-W", library], check=True,
+                           capture_output=True, text=True).stdout
+    names = []
+    for line in table.splitlines():
+        fields = line.split()
+        # Num: Value Size Type Bind Vis Ndx Name
+        if len(fields) < 8 or not fields[0].endswith(":"):
+            continue
+        bind, ndx, name = fields[4], fields[6], fields[7]
+        if bind in ("GLOBAL", "WEAK", "GNU_UNIQUE") and ndx != "UND":
+            names.append(name.split("@")[0])
+    return names
+
+
+def demangle(names):
+    if not names:
+        return []
+    out = subprocess.run(["c++filt"], input="\n".join(names), check=True, capture_output=True,
+                         text=True).stdout
+    return out.splitlines()
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--readelf", default="readelf")
+    parser.add_argument("library")
+    parser.add_argument("patterns", nargs="+")
+    args = parser.parse_args()
+    allowed = [re.compile(p) for p in args.patterns]
+    names = defined_globals(args.readelf, args.library)
+    stray = [n for n in demangle(names) if not any(p.search(n) for p in allowed)]
+    if not names:
+        print(f"{args.library}: exports nothing")
+        return 1
+    if stray:
+        print(f"{args.library}: {len(stray)} symbol(s) outside its interface:")
+        for name in stray:
+            print(f"  {name}")
+        return 1
+    print(f"{args.library}: {len(names)} exported symbol(s), all in its interface")
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
