@@ -111,6 +111,15 @@ void lockDevice(int fd, int operation) {
     }
 }
 
+// Both copies' CRC words as they are now (zero where a copy is missing): a later update tells
+// from them alone whether another process saved since.
+void rememberCrcWords(int fd, uint32_t words[2]) {
+    words[0] = words[1] = 0;
+    if (pread(fd, &words[0], kCrcSize, 0) != static_cast<ssize_t>(kCrcSize)) words[0] = 0;
+    if (pread(fd, &words[1], kCrcSize, kCopyBOffset) != static_cast<ssize_t>(kCrcSize))
+        words[1] = 0;
+}
+
 uint32_t dataCrc(const uint8_t* data, uint32_t size) {
     return static_cast<uint32_t>(crc32(0, data, size));
 }
@@ -160,6 +169,74 @@ int Ubootenv::openPartition(int flags) const {
     return vesk::platform::openDevice(devicePath, flags);
 }
 
+// Inside an update's transaction, a second descriptor of the held one (same lock, own use of
+// the offset, which starts at 0); otherwise a fresh open of the partition.
+int Ubootenv::partitionFd(int flags) const {
+    if (transactionFd < 0) return openPartition(flags);
+    int fd = fcntl(transactionFd, F_DUPFD_CLOEXEC, 0);
+    if (fd >= 0) lseek(fd, 0, SEEK_SET);
+    return fd;
+}
+
+bool Ubootenv::beginTransaction() {
+    int fd = openPartition(O_RDWR);
+    if (fd < 0) return false;
+    lockDevice(fd, LOCK_EX);
+    transactionFd = fd;
+    return true;
+}
+
+void Ubootenv::endTransaction() {
+    if (transactionFd >= 0) close(transactionFd);  // releases the lock
+    transactionFd = -1;
+}
+
+bool Ubootenv::readCrcWords(uint32_t words[2]) const {
+    if (transactionFd < 0) return false;
+    rememberCrcWords(transactionFd, words);
+    return true;
+}
+
+bool Ubootenv::keyWasCut(const EnvAttribute* node) const {
+    if (longEntries.empty()) return false;
+    auto it = longEntries.find(node);
+    return it != longEntries.end() && it->second.find('=') >= sizeof(node->key);
+}
+
+bool Ubootenv::partitionIsBlank() const {
+    if (transactionFd < 0) return false;
+    uint8_t chunk[4096];
+    off_t offset = 0;
+    int fill = -1;  // the byte every byte so far has been
+    for (;;) {
+        ssize_t n = pread(transactionFd, chunk, sizeof(chunk), offset);
+        if (n < 0 && errno == EINTR) continue;
+        if (n < 0) return false;
+        if (n == 0) return true;
+        for (ssize_t i = 0; i < n; ++i) {
+            if (fill < 0 && (chunk[i] == 0x00 || chunk[i] == 0xff)) fill = chunk[i];
+            if (chunk[i] != fill) return false;
+        }
+        offset += n;
+    }
+}
+
+bool Ubootenv::catchUp() {
+    uint32_t words[2];
+    if (lastLoadGood && readCrcWords(words) && words[0] == loadedCrcWords[0] &&
+        words[1] == loadedCrcWords[1]) {
+        return true;  // nobody saved since this object loaded
+    }
+    if (readPartitionData() != 0) {
+        lastLoadGood = false;
+        // Nothing on the partition yet (first boot, or erased): nothing to keep but our list.
+        return partitionIsBlank();
+    }
+    lastLoadGood = true;
+    for (const auto& [key, value] : pending) set(key.c_str(), value.c_str(), true);
+    return true;
+}
+
 void Ubootenv::freeImage() {
     free(image);
     image = nullptr;
@@ -190,6 +267,7 @@ void Ubootenv::freeAttributes() {
         node = next;
     }
     memset(&attributes, 0, sizeof(attributes));
+    longEntries.clear();
 }
 
 int Ubootenv::init() {
@@ -246,6 +324,7 @@ int Ubootenv::init() {
     }
     // A copy read only on the last try leaves initDone unset; this has always been so and the
     // callers are used to it.
+    lastLoadGood = attempt < kReadTries;
     if (attempt < kReadTries - 1) {
         propertyLoad();
         return 0;
@@ -255,7 +334,7 @@ int Ubootenv::init() {
 }
 
 int Ubootenv::readPartitionData() {
-    int fd = openPartition(O_RDONLY);
+    int fd = partitionFd(O_RDONLY);
     if (fd < 0) {
         ENV_LOGE("[ubootenv] open devices error: %s\n", strerror(errno));
         return -1;
@@ -265,7 +344,7 @@ int Ubootenv::readPartitionData() {
         close(fd);
         return -2;
     }
-    lockDevice(fd, LOCK_SH);
+    if (transactionFd < 0) lockDevice(fd, LOCK_SH);
 
     ssize_t count = readFully(fd, image, partitionSize);
     // The buffer is zero beyond what was read.
@@ -274,6 +353,7 @@ int Ubootenv::readPartitionData() {
     if (count == static_cast<ssize_t>(partitionSize)) {
         uint32_t crc = dataCrc(data, dataSize);
         if (crc == *crcWord) {
+            rememberCrcWords(fd, loadedCrcWords);
             parseAttribute();
             close(fd);
             return 0;
@@ -297,6 +377,7 @@ int Ubootenv::readPartitionData() {
             return -3;
         }
     }
+    rememberCrcWords(fd, loadedCrcWords);
     parseAttribute();
     close(fd);
     return 0;
@@ -316,6 +397,12 @@ void Ubootenv::parseAttribute() {
             *equals = '\0';
             size_t keyLength = static_cast<size_t>(equals - text);
             size_t valueLength = length - keyLength - 1;
+            if (keyLength >= sizeof(node->key) || valueLength >= sizeof(node->value)) {
+                // Longer than a node holds: kept as read, and saved back byte for byte.
+                std::string whole(text, length);
+                whole[keyLength] = '=';
+                longEntries[node] = std::move(whole);
+            }
             if (keyLength >= sizeof(node->key)) {
                 ENV_LOGE("[ubootenv] key of %zu characters cut to %zu\n", keyLength,
                          sizeof(node->key) - 1);
@@ -368,7 +455,7 @@ const char* Ubootenv::get(const char* key) {
     }
     if (key == nullptr) return nullptr;
     for (EnvAttribute* node = &attributes; node != nullptr; node = node->next) {
-        if (strcmp(node->key, key) == 0) return node->value;
+        if (strcmp(node->key, key) == 0 && !keyWasCut(node)) return node->value;
     }
     return nullptr;
 }
@@ -437,6 +524,18 @@ int Ubootenv::updateValue(const char* name, const char* value) {
         return -8;
     }
 
+    // Other processes save the same partition: from here to the last save it is ours alone,
+    // and the list is first brought up to what they saved.
+    bool held = beginTransaction();
+    struct TransactionEnd {
+        Ubootenv* env;
+        ~TransactionEnd() { env->endTransaction(); }
+    } transactionEnd{this};
+    if ((held && !catchUp()) || (!held && !lastLoadGood)) {
+        ENV_LOGE("[ubootenv] %s could not be read: not writing over it\n", deviceName());
+        return -1;
+    }
+
     const char* current = get(key);
     if (strcmp(current != nullptr ? current : "", value) == 0) return 0;
 
@@ -450,6 +549,13 @@ int Ubootenv::updateValue(const char* name, const char* value) {
         ENV_LOGE("[ubootenv] Out of memory!!!\n");
         return -5;
     }
+    auto change = std::find_if(pending.begin(), pending.end(),
+                               [key](const auto& entry) { return entry.first == key; });
+    if (change != pending.end()) {
+        change->second = value;
+    } else {
+        pending.emplace_back(key, value);
+    }
     int result = 0;
     int attempt = 0;
     for (; attempt < kSaveTries; ++attempt) {
@@ -460,6 +566,12 @@ int Ubootenv::updateValue(const char* name, const char* value) {
     // A save that succeeds only on the last try is not announced; kept as it always was.
     if (attempt < kSaveTries - 1)
         ENV_LOGI("[ubootenv] Save ubootenv to %s succeed!\n", deviceName());
+    if (result == 0) {
+        // Both copies now hold this list: nothing of ours is left to replay.
+        pending.clear();
+        if (!readCrcWords(loadedCrcWords)) loadedCrcWords[0] = loadedCrcWords[1] = *crcWord;
+        lastLoadGood = true;
+    }
     return result;
 }
 
@@ -473,8 +585,9 @@ int Ubootenv::set(const char* key, const char* value, bool create) {
     }
     EnvAttribute* last = &attributes;
     for (EnvAttribute* node = &attributes; node != nullptr; node = node->next) {
-        if (strcmp(node->key, key) == 0) {
+        if (strcmp(node->key, key) == 0 && !keyWasCut(node)) {
             memcpy(node->value, value, valueLength + 1);
+            longEntries.erase(node);  // the new value is what the entry now holds
             return 2;
         }
         last = node;
@@ -508,9 +621,11 @@ size_t Ubootenv::formattedSize(const char* key, const char* value) const {
     };
     bool found = false;
     for (const EnvAttribute* node = &attributes; node != nullptr; node = node->next) {
-        if (key != nullptr && !found && strcmp(node->key, key) == 0) {
+        if (key != nullptr && !found && strcmp(node->key, key) == 0 && !keyWasCut(node)) {
             add(node->key, value);
             found = true;
+        } else if (!longEntries.empty() && longEntries.count(node) != 0) {
+            add(longEntries.at(node).c_str(), "");
         } else {
             add(node->key, node->value);
         }
@@ -530,7 +645,15 @@ int Ubootenv::formatAttribute() {
     char* area = reinterpret_cast<char*>(data);
     size_t position = 0;
     for (const EnvAttribute* node = &attributes; node != nullptr; node = node->next) {
-        int length = snprintf(area + position, dataSize - position, "%s=%s", node->key, node->value);
+        int length;
+        if (!longEntries.empty() && longEntries.count(node) != 0) {
+            // An entry longer than a node is written back as it was read, never shortened.
+            const std::string& whole = longEntries.at(node);
+            memcpy(area + position, whole.data(), whole.size());
+            length = static_cast<int>(whole.size());
+        } else {
+            length = snprintf(area + position, dataSize - position, "%s=%s", node->key, node->value);
+        }
         if (length > 2) {
             position += static_cast<size_t>(length) + 1;
         } else {
@@ -551,12 +674,12 @@ int Ubootenv::save() {
     if (formatAttribute() < 0) return -8;
     *crcWord = dataCrc(data, dataSize);
 
-    int fd = openPartition(O_RDWR);
+    int fd = partitionFd(O_RDWR);
     if (fd < 0) {
         ENV_LOGE("[ubootenv] open devices error\n");
         return -1;
     }
-    lockDevice(fd, LOCK_EX);  // released by close()
+    if (transactionFd < 0) lockDevice(fd, LOCK_EX);  // released by close()
     ssize_t result = 0;
     if (strstr(deviceName(), "mtd") != nullptr) {
         mtd_info_user info;
@@ -629,18 +752,16 @@ int Ubootenv::save() {
         }
     } else {
         lseek(fd, 0, SEEK_SET);
-        result = writeFully(fd, image, partitionSize);
-        // Copy B is only touched once copy A is on the device, so that a save cut short at any
-        // point leaves one good copy: the old one in B or the new one in A.
-        if (result >= 0 && !syncCopy(fd)) result = -1;
-        if (result >= 0) {
-            off_t seek = lseek(fd, kCopyBOffset, SEEK_SET);
-            if (seek != kCopyBOffset) {
-                ENV_LOGE("[ubootenv] lseek error, seek num = %d \n", (int)seek);
-            }
-            result = writeFully(fd, image, partitionSize);
-            if (result >= 0 && !syncCopy(fd)) result = -1;
+        // Copy A is on the device before copy B is touched, so that a save cut short at any
+        // point leaves one good copy: the old one in B or the new one in A. Copy B is written
+        // even when copy A failed; the result is that of copy B.
+        if (writeFully(fd, image, partitionSize) >= 0) syncCopy(fd);
+        off_t seek = lseek(fd, kCopyBOffset, SEEK_SET);
+        if (seek != kCopyBOffset) {
+            ENV_LOGE("[ubootenv] lseek error, seek num = %d \n", (int)seek);
         }
+        result = writeFully(fd, image, partitionSize);
+        if (result >= 0 && !syncCopy(fd)) result = -1;
     }
     close(fd);
     if (result < 0) {

@@ -9,7 +9,10 @@
 #include <pthread.h>
 #include <stdint.h>
 
+#include <map>
 #include <string>
+#include <utility>
+#include <vector>
 
 // The prefix of every environment variable name seen by callers. The misspelt name is kept
 // for compatibility with the code that shares it.
@@ -91,6 +94,28 @@ class Ubootenv {
     void freeImage();
     void freeAttributes();
 
+    // The update's transaction with other processes: the partition held alone (flock) from the
+    // look-up of the stored value to the end of the last save attempt. Reads and saves inside
+    // it use the held descriptor (a second descriptor's flock would wait on our own).
+    bool beginTransaction();
+    void endTransaction();
+    int partitionFd(int flags) const;
+    // The CRC words of both copies as they are on the partition now; false when unreadable.
+    bool readCrcWords(uint32_t words[2]) const;
+    // Brings the list up to what another process saved since this object loaded: reloads and
+    // replays this object's unsaved changes on top. False when the partition cannot be read.
+    bool catchUp();
+    // True for a partition that holds nothing yet (every byte 0x00 or 0xff, or no byte).
+    bool partitionIsBlank() const;
+    // True for an entry whose key was longer than a node holds: it is no key a caller can name.
+    bool keyWasCut(const EnvAttribute* node) const;
+
     std::string explicitDevice;  // as given to the explicit-device constructor
     bool hasExplicitDevice = false;
+    int transactionFd = -1;
+    bool lastLoadGood = false;                                 // the last load read a copy
+    uint32_t loadedCrcWords[2] = {0, 0};                       // both copies' CRC words then
+    std::vector<std::pair<std::string, std::string>> pending;  // set since, not yet saved
+    // Entries read longer than a node holds, as read: saved back byte for byte, never shortened.
+    std::map<const EnvAttribute*, std::string> longEntries;
 };
