@@ -169,13 +169,16 @@ int Ubootenv::openPartition(int flags) const {
     return vesk::platform::openDevice(devicePath, flags);
 }
 
-// Inside an update's transaction, a second descriptor of the held one (same lock, own use of
-// the offset, which starts at 0); otherwise a fresh open of the partition.
+// Inside an update's transaction, the held descriptor itself (its lock is ours), from its
+// start; otherwise a fresh open of the partition. Given back with releaseFd().
 int Ubootenv::partitionFd(int flags) const {
     if (transactionFd < 0) return openPartition(flags);
-    int fd = fcntl(transactionFd, F_DUPFD_CLOEXEC, 0);
-    if (fd >= 0) lseek(fd, 0, SEEK_SET);
-    return fd;
+    lseek(transactionFd, 0, SEEK_SET);
+    return transactionFd;
+}
+
+void Ubootenv::releaseFd(int fd) const {
+    if (fd != transactionFd) close(fd);
 }
 
 bool Ubootenv::beginTransaction() {
@@ -341,7 +344,7 @@ int Ubootenv::readPartitionData() {
     }
     if (!allocateImage()) {
         ENV_LOGE("[ubootenv] Not enough memory for environment (%u bytes)\n", partitionSize);
-        close(fd);
+        releaseFd(fd);
         return -2;
     }
     if (transactionFd < 0) lockDevice(fd, LOCK_SH);
@@ -355,7 +358,7 @@ int Ubootenv::readPartitionData() {
         if (crc == *crcWord) {
             rememberCrcWords(fd, loadedCrcWords);
             parseAttribute();
-            close(fd);
+            releaseFd(fd);
             return 0;
         }
         ENV_LOGE("[ubootenv] CRC Check SYS_LOGE save_crc=%08x, crcCalc = %08x \n", *crcWord, crc);
@@ -373,13 +376,13 @@ int Ubootenv::readPartitionData() {
         if (crc != *crcWord) {
             ENV_LOGE("[ubootenv] CRC2 Check SYS_LOGE save_crc=%08x, crcCalc = %08x \n", *crcWord,
                      crc);
-            close(fd);
+            releaseFd(fd);
             return -3;
         }
     }
     rememberCrcWords(fd, loadedCrcWords);
     parseAttribute();
-    close(fd);
+    releaseFd(fd);
     return 0;
 }
 
@@ -686,7 +689,7 @@ int Ubootenv::save() {
         memset(&info, 0, sizeof(info));
         if (vesk::platform::mtdGetInfo(fd, &info) < 0) {
             ENV_LOGE("[ubootenv] Get MTD info error\n");
-            close(fd);
+            releaseFd(fd);
             return -4;
         }
         const uint64_t eraseSize = info.erasesize;
@@ -698,14 +701,14 @@ int Ubootenv::save() {
             block = static_cast<uint8_t*>(malloc(eraseSize));
             if (block == nullptr) {
                 ENV_LOGE("[ubootenv] Out of memory!!!\n");
-                close(fd);
+                releaseFd(fd);
                 return -5;
             }
             memset(block, 0, eraseSize);
             if (readFully(fd, block, eraseSize) != static_cast<ssize_t>(eraseSize)) {
                 ENV_LOGE("[ubootenv] Read access failed !!!\n");
                 free(block);
-                close(fd);
+                releaseFd(fd);
                 return -6;
             }
             memcpy(block, image, partitionSize);
@@ -723,7 +726,7 @@ int Ubootenv::save() {
         if (erased < 0) {
             ENV_LOGE("[ubootenv] MEMERASE SYS_LOGE %d\n", erased);
             free(block);
-            close(fd);
+            releaseFd(fd);
             return -2;
         }
         if (eraseSize <= partitionSize) {
@@ -739,7 +742,7 @@ int Ubootenv::save() {
             if (lseek(fd, 0, SEEK_SET) < 0) {
                 ENV_LOGE("%s() %d: err is %d\n", __func__, __LINE__, errno);
                 free(block);
-                close(fd);
+                releaseFd(fd);
                 return -7;
             }
             if (block != nullptr) {
@@ -763,7 +766,7 @@ int Ubootenv::save() {
         result = writeFully(fd, image, partitionSize);
         if (result >= 0 && !syncCopy(fd)) result = -1;
     }
-    close(fd);
+    releaseFd(fd);
     if (result < 0) {
         ENV_LOGE("[ubootenv] SYS_LOGE write, size %d \n", static_cast<int>(partitionSize));
         return -3;

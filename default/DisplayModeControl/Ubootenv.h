@@ -100,6 +100,7 @@ class Ubootenv {
     bool beginTransaction();
     void endTransaction();
     int partitionFd(int flags) const;
+    void releaseFd(int fd) const;
     // The CRC words of both copies as they are on the partition now; false when unreadable.
     bool readCrcWords(uint32_t words[2]) const;
     // Brings the list up to what another process saved since this object loaded: reloads and
