@@ -75,6 +75,11 @@ TEST_F(BlockStoreTest, AccessBeyondTheEndIsRefusedAndWritesNothing) {
         EXPECT_EQ(-1, area.write(65535, data, 2)) << area.file;
         EXPECT_EQ(-1, area.write(65536, data, 1)) << area.file;
         EXPECT_EQ(-1, area.write(4294967295u, data, 2)) << area.file;
+        // Offset and size whose sum wraps in 32 bits (to 1, and to 65535).
+        EXPECT_EQ(-1, area.read(4294967295u, buffer, 2)) << area.file;
+        EXPECT_EQ(-1, area.read(2, buffer, 4294967293u)) << area.file;
+        EXPECT_EQ(-1, area.read(4294967295u, buffer, 4294967295u)) << area.file;
+        EXPECT_EQ(-1, bi_block_read_data("/data/param.bin", 4294967295u, buffer, 2)) << area.file;
         EXPECT_EQ(-1, area.read(65535, buffer, 2)) << area.file;
         EXPECT_EQ(-1, area.read(0, buffer, 65537)) << area.file;
         EXPECT_EQ(0, area.read(65536, buffer, 0)) << area.file;

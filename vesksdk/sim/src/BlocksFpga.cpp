@@ -25,7 +25,8 @@ namespace {
 constexpr int kRefused = -1;
 
 bool fits(unsigned int offset, unsigned int count) {
-    return static_cast<std::size_t>(offset) + count <= kBlockAreaSize;
+    // Never offset + count: on a 32-bit board that sum wraps past the end of the area.
+    return offset <= kBlockAreaSize && count <= kBlockAreaSize - offset;
 }
 
 // Closes a descriptor at the end of a scope.

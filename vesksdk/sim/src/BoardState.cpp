@@ -1,5 +1,6 @@
 #include "BoardState.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 
@@ -19,11 +20,31 @@ std::string fieldText(const char (&field)[N]) {
     return std::string(field, strnlen(field, N));
 }
 
-template <std::size_t N>
-void restoreText(char (&field)[N], const nlohmann::json& json, const char* key) {
-    if (json.contains(key) && json[key].is_string()) {
-        putText(field, N, json[key].get<std::string>().c_str());
+// A saved key the board cannot use is left at its default, alone: one line on stderr, and
+// every other key is kept.
+void warnDefault(const std::string& key, const std::string& reason) {
+    fprintf(stderr, "vesksdk: %s: %s %s; its default used\n", stateFilePath().c_str(), key.c_str(),
+            reason.c_str());
+}
+
+// Restores one key; a key of the wrong shape or type keeps its default.
+template <typename Restore>
+void restoreKey(const nlohmann::json& json, const std::string& key, Restore restore) {
+    if (!json.contains(key)) return;
+    try {
+        if (!restore(json.at(key))) warnDefault(key, "has the wrong shape");
+    } catch (const nlohmann::json::exception&) {
+        warnDefault(key, "has the wrong type");
     }
+}
+
+template <std::size_t N>
+bool restoreText(char (&field)[N], const nlohmann::json& json, const char* key) {
+    if (!json.contains(key)) return true;
+    const nlohmann::json& text = json.at(key);
+    if (!text.is_string() || text.get_ref<const std::string&>().size() >= N) return false;
+    putText(field, N, text.get_ref<const std::string&>().c_str());
+    return true;
 }
 
 // The board keeps the six words of a time it is given.
@@ -31,11 +52,28 @@ nlohmann::json savedTime(const std::array<uint32_t, VESK_RTC_TIME_WORDS>& time) 
     return std::vector<uint32_t>(time.begin(), time.begin() + VESK_RTC_SET_WORDS);
 }
 
-void restoreTime(std::array<uint32_t, VESK_RTC_TIME_WORDS>& time, const nlohmann::json& json) {
-    if (!json.is_array()) return;
-    for (std::size_t i = 0; i < json.size() && i < VESK_RTC_SET_WORDS; ++i) {
-        time[i] = json[i].get<uint32_t>();
+bool restoreTime(std::array<uint32_t, VESK_RTC_TIME_WORDS>& time, const nlohmann::json& json) {
+    if (!json.is_array() || json.size() > VESK_RTC_SET_WORDS) return false;
+    std::array<uint32_t, VESK_RTC_TIME_WORDS> read = time;
+    for (std::size_t i = 0; i < json.size(); ++i) {
+        if (!json[i].is_number_unsigned()) return false;
+        read[i] = json[i].get<uint32_t>();
     }
+    time = read;
+    return true;
+}
+
+// A process id as the state file keys it: decimal digits of a positive int, nothing else.
+bool parsePid(const std::string& text, int* pid) {
+    if (text.empty() || text.size() > 10) return false;
+    long long value = 0;
+    for (char c : text) {
+        if (c < '0' || c > '9') return false;
+        value = value * 10 + (c - '0');
+    }
+    if (value < 1 || value > INT32_MAX) return false;
+    *pid = static_cast<int>(value);
+    return true;
 }
 
 }  // namespace
@@ -87,41 +125,80 @@ nlohmann::json savedState(const BoardData& data) {
 }
 
 void restoreSavedState(BoardData& data, const nlohmann::json& json) {
-    if (json.contains("values") && json["values"].is_object()) {
-        for (const auto& [key, value] : json["values"].items()) data.values[key] = value.get<int>();
-    }
-    if (json.contains(statekey::kWatchdog) && json[statekey::kWatchdog].is_object()) {
-        const nlohmann::json& dog = json[statekey::kWatchdog];
-        data.watchdog.open = dog.value(statekey::kWatchdogOpen, false);
-        data.watchdog.device = dog.value(statekey::kWatchdogDevice, "");
-        data.watchdog.timeout = dog.value(statekey::kWatchdogTimeout, 0u);
-        data.watchdog.feeds = dog.value(statekey::kWatchdogFeeds, 0u);
-        data.watchdog.lastFeedMs = dog.value(statekey::kWatchdogLastFeedMs, int64_t{0});
-        data.watchdog.missedFeeds = dog.value(statekey::kWatchdogMissedFeeds, 0u);
-        data.watchdog.lastMissMs = dog.value(statekey::kWatchdogLastMissMs, int64_t{0});
-    }
-    if (json.contains("log") && json["log"].is_object()) {
-        const nlohmann::json& log = json["log"];
-        restoreText(data.log.level, log, "level");
-        restoreText(data.log.base, log, "base");
-        restoreText(data.log.mode, log, "mode");
-        restoreText(data.log.total_size, log, "total_size");
-        restoreText(data.log.once_size, log, "once_size");
-    }
-    if (json.contains("rtc_boot_time")) restoreTime(data.rtcBoot, json["rtc_boot_time"]);
-    if (json.contains("rtc_wake_time")) restoreTime(data.rtcWake, json["rtc_wake_time"]);
-    if (json.contains("output_mode") && json["output_mode"].is_object()) {
-        const nlohmann::json& mode = json["output_mode"];
-        data.outputMode.width = mode.value("width", data.outputMode.width);
-        data.outputMode.height = mode.value("height", data.outputMode.height);
-        data.outputMode.fps = mode.value("fps", data.outputMode.fps);
-        data.outputMode.status = mode.value("status", data.outputMode.status);
-    }
-    if (json.contains("started_processes") && json["started_processes"].is_object()) {
-        for (const auto& [pid, startTime] : json["started_processes"].items()) {
-            data.startedProcesses[std::stoi(pid)] = startTime.get<unsigned long long>();
+    restoreKey(json, "values", [&](const nlohmann::json& values) {
+        if (!values.is_object()) return false;
+        for (const auto& [key, value] : values.items()) {
+            if (data.values.size() >= kMaxSavedValues && data.values.count(key) == 0) {
+                warnDefault("values/" + key,
+                            "is past the board's " + std::to_string(kMaxSavedValues) + " values");
+            } else if (!value.is_number_integer() || value.get<long long>() < INT32_MIN ||
+                       value.get<long long>() > INT32_MAX) {
+                warnDefault("values/" + key, "is not a 32-bit integer");
+            } else {
+                data.values[key] = value.get<int>();
+            }
         }
-    }
+        return true;
+    });
+    restoreKey(json, statekey::kWatchdog, [&](const nlohmann::json& dog) {
+        if (!dog.is_object()) return false;
+        for (const char* count : {statekey::kWatchdogTimeout, statekey::kWatchdogFeeds,
+                                  statekey::kWatchdogMissedFeeds}) {
+            // A negative count would read as a huge one.
+            if (dog.contains(count) && !dog.at(count).is_number_unsigned()) return false;
+        }
+        WatchdogState read = data.watchdog;
+        read.open = dog.value(statekey::kWatchdogOpen, false);
+        read.device = dog.value(statekey::kWatchdogDevice, "");
+        if (read.device.size() > kMaxStoredText) return false;
+        read.timeout = dog.value(statekey::kWatchdogTimeout, 0u);
+        read.feeds = dog.value(statekey::kWatchdogFeeds, 0u);
+        read.lastFeedMs = dog.value(statekey::kWatchdogLastFeedMs, int64_t{0});
+        read.missedFeeds = dog.value(statekey::kWatchdogMissedFeeds, 0u);
+        read.lastMissMs = dog.value(statekey::kWatchdogLastMissMs, int64_t{0});
+        data.watchdog = read;
+        return true;
+    });
+    restoreKey(json, "log", [&](const nlohmann::json& log) {
+        if (!log.is_object()) return false;
+        vesk_log_record read = data.log;
+        bool good = restoreText(read.level, log, "level") && restoreText(read.base, log, "base") &&
+                    restoreText(read.mode, log, "mode") &&
+                    restoreText(read.total_size, log, "total_size") &&
+                    restoreText(read.once_size, log, "once_size");
+        if (good) data.log = read;
+        return good;
+    });
+    restoreKey(json, "rtc_boot_time",
+               [&](const nlohmann::json& time) { return restoreTime(data.rtcBoot, time); });
+    restoreKey(json, "rtc_wake_time",
+               [&](const nlohmann::json& time) { return restoreTime(data.rtcWake, time); });
+    restoreKey(json, "output_mode", [&](const nlohmann::json& mode) {
+        if (!mode.is_object()) return false;
+        vesk_resolution_record read = data.outputMode;
+        read.width = mode.value("width", read.width);
+        read.height = mode.value("height", read.height);
+        read.fps = mode.value("fps", read.fps);
+        read.status = mode.value("status", read.status);
+        data.outputMode = read;
+        return true;
+    });
+    restoreKey(json, "started_processes", [&](const nlohmann::json& started) {
+        if (!started.is_object()) return false;
+        for (const auto& [key, startTime] : started.items()) {
+            int pid = 0;
+            if (data.startedProcesses.size() >= kMaxStartedProcesses) {
+                warnDefault("started_processes/" + key,
+                            "is past the board's " + std::to_string(kMaxStartedProcesses) +
+                                    " processes");
+            } else if (!parsePid(key, &pid) || !startTime.is_number_unsigned()) {
+                warnDefault("started_processes/" + key, "is not a process id and start time");
+            } else {
+                data.startedProcesses[pid] = startTime.get<unsigned long long>();
+            }
+        }
+        return true;
+    });
 }
 
 BoardState::Saved::Saved(BoardData& data) : mData(data) {
@@ -129,11 +206,7 @@ BoardState::Saved::Saved(BoardData& data) : mData(data) {
     // BoardData holds only what the file saves, so a member added later is reset here too.
     static const BoardData factory;
     data = factory;
-    try {
-        restoreSavedState(data, readJsonFile(stateFilePath()));
-    } catch (const nlohmann::json::exception& e) {
-        fprintf(stderr, "vesksdk: %s: %s; factory state used\n", stateFilePath().c_str(), e.what());
-    }
+    restoreSavedState(data, readJsonFile(stateFilePath()));
     mLoaded = savedState(data);
 }
 

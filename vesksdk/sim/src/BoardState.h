@@ -30,6 +30,12 @@ struct WatchdogState {
     int64_t lastMissMs = 0;
 };
 
+// Bounds of what the board keeps, so that no call slows down on a huge state file: a text it is
+// given (longer is refused), the plain states and switches, the processes it started.
+inline constexpr std::size_t kMaxStoredText = 4096;
+inline constexpr std::size_t kMaxSavedValues = 4096;
+inline constexpr std::size_t kMaxStartedProcesses = 256;
+
 // Size of each fixed block area (defined, screen, FPGA program) and of a named block.
 inline constexpr std::size_t kBlockAreaSize = 64 * 1024;
 
@@ -47,8 +53,9 @@ struct BoardData {
     std::map<int, unsigned long long> startedProcesses;
 };
 
-// The saved part of BoardData as JSON, and back (members missing from `json` keep their
-// factory values).
+// The saved part of BoardData as JSON, and back: members missing from `json`, or of the wrong
+// shape or type, keep their factory values (one warning line on stderr for each bad one), and
+// every other member is restored.
 nlohmann::json savedState(const BoardData& data);
 void restoreSavedState(BoardData& data, const nlohmann::json& json);
 

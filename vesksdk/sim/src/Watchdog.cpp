@@ -52,10 +52,13 @@ void noteMissedFeed(WatchdogState& dog) {
 
 }  // namespace
 
-// Starts the watchdog with a time-out of 1 to 3600 seconds.
+// Starts the watchdog with a time-out of 1 to 3600 seconds, on a device named in at most
+// 4096 bytes.
 int bi_watchdog_open(const char* device, unsigned int timeout) {
     return SimCall("bi_watchdog_open", {vesk::sim::text(device), timeout}).run([&] {
         if (!device || !*device || timeout < 1 || timeout > kMaxTimeoutSeconds) return -1;
+        // The board keeps the device's name: a name longer than it keeps is refused.
+        if (strnlen(device, vesk::sim::kMaxStoredText + 1) > vesk::sim::kMaxStoredText) return -1;
         return vesk::sim::board().with([&](BoardData& data) {
             WatchdogState& dog = data.watchdog;
             dog.open = true;
