@@ -8,7 +8,6 @@
 #include <fuzzer/FuzzedDataProvider.h>
 #include <stdint.h>
 #include <unistd.h>
-#include <zlib.h>
 
 #include <cstdio>
 #include <cstring>
@@ -17,6 +16,7 @@
 #include <utility>
 #include <vector>
 
+#include "EnvImage.h"
 #include "FuzzRoot.h"
 #include "Ubootenv.h"
 
@@ -89,8 +89,7 @@ void writeImage(const std::string& path, const std::vector<uint8_t>& image) {
 // Sets the CRC of the copy at `offset` when the image holds all of it.
 void sealCopy(std::vector<uint8_t>& image, size_t offset) {
     if (image.size() < offset + kCopySize) return;
-    uint32_t crc = crc32(0, image.data() + offset + 4, kCopySize - 4);
-    memcpy(image.data() + offset, &crc, sizeof(crc));
+    vesk::test::sealCopy(image.data() + offset, kCopySize);
 }
 
 }  // namespace

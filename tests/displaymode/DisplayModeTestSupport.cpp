@@ -5,7 +5,6 @@
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <zlib.h>
 
 #include <cstring>
 
@@ -75,14 +74,6 @@ std::vector<std::string> fieldsOf(const std::string& text) {
 
 std::string partitionBytes(const TempRoot& root) {
     return readFile(root / kEnvPartition);
-}
-
-bool copyValid(const std::string& image, size_t offset) {
-    if (image.size() < offset + kCopySize) return false;
-    uint32_t stored;
-    memcpy(&stored, image.data() + offset, sizeof(stored));
-    const auto* data = reinterpret_cast<const Bytef*>(image.data() + offset + 4);
-    return stored == static_cast<uint32_t>(crc32(0, data, kDataSize));
 }
 
 void writeEnvironment(const TempRoot& root, const Variables& variables) {

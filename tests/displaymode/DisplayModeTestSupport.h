@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "EnvImage.h"
 #include "TestRoot.h"
 
 namespace vesk::test {
@@ -64,10 +65,7 @@ std::vector<std::string> fieldsOf(const std::string& text);
 
 // The partition at /dev/block/env of `root`, as bytes.
 std::string partitionBytes(const TempRoot& root);
-// True when the copy at `offset` holds zlib's CRC-32 of its 65532-byte data area.
-bool copyValid(const std::string& image, size_t offset);
 
-using Variables = std::vector<std::pair<std::string, std::string>>;
 // Writes a two-copy partition of `variables` made by mkenvimage.
 void writeEnvironment(const TempRoot& root, const Variables& variables);
 // `variables` and filler variables that leave exactly `spare` bytes of the data area free.

@@ -9,7 +9,7 @@
 #include <iterator>
 #include <string>
 
-#include "OtherProcess.h"
+#include "ChildProcess.h"
 #include "SimTestFiles.h"
 #include "TestRoot.h"
 #include "vesksdk.h"

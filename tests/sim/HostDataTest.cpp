@@ -12,7 +12,7 @@
 #include <sstream>
 #include <string>
 
-#include "OtherProcess.h"
+#include "ChildProcess.h"
 #include "SimTestFiles.h"
 #include "TestRoot.h"
 #include "vesksdk.h"

@@ -9,7 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "OtherProcess.h"
+#include "ChildProcess.h"
+#include "SimTestFiles.h"
 #include "TestRoot.h"
 #include "vesksdk.h"
 #include "vesksdk_records.h"

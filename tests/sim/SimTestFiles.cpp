@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "TestRoot.h"
+#include "vesk/host/DeviceRoot.h"
 
 namespace vesk::test {
 namespace {
@@ -36,6 +37,13 @@ std::vector<std::string> readLines(const std::string& path) {
     std::vector<std::string> lines;
     for (std::string line; std::getline(file, line);) lines.push_back(line);
     return lines;
+}
+
+nlohmann::json stateFile() {
+    std::ifstream in(
+            vesk::host::pathBelowRoot(vesk::host::deviceRoot(), "/data/vesksdk/state.json"));
+    if (!in) return nlohmann::json::object();
+    return nlohmann::json::parse(in);
 }
 
 }  // namespace vesk::test

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,9 @@ namespace vesk::test {
 // A path in the test's temporary directory, unique to this process; removed by the caller.
 std::string temporaryPath(const std::string& name);
 std::vector<std::string> readLines(const std::string& path);
+
+// The board's state file of the current root, as JSON (empty object when missing).
+nlohmann::json stateFile();
 
 // While it lives, EXPECT_EXIT and EXPECT_DEATH run their statement in a new run of this test
 // program ("threadsafe" death tests), a process where the simulator has not yet read

@@ -3,7 +3,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "OtherProcess.h"
+#include "ChildProcess.h"
+#include "SimTestFiles.h"
 #include "TestRoot.h"
 #include "vesksdk.h"
 

@@ -1,7 +1,6 @@
 /*
- * Helpers of the environment tests: partition images built from the format's rules (zlib's
- * CRC-32 from 0 over the data area, the word in the machine's byte order), the attribute list
- * as pairs, and the module's log lines split into function and text.
+ * Helpers of the environment tests: the factory list, the attribute list as pairs, and the
+ * module's log lines split into function and text (images are built by EnvImage.h).
  */
 #pragma once
 
@@ -12,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "EnvImage.h"
 #include "Ubootenv.h"
 #include "vesk/host/LogSink.h"
 
@@ -21,27 +21,9 @@ inline constexpr char kEnvDevice[] = "/dev/block/env";
 inline constexpr int kInfo = 4;   // ANDROID_LOG_INFO
 inline constexpr int kError = 6;  // ANDROID_LOG_ERROR
 
-using Variables = std::vector<std::pair<std::string, std::string>>;
-
 // The factory environment of a new device root, written down by hand.
 Variables factoryVariables();
 
-// The strings "key=value" of `variables`.
-std::vector<std::string> envStrings(const Variables& variables);
-
-// A data area of `size` bytes: each string NUL-terminated, in order, then zero bytes.
-std::string dataArea(const std::vector<std::string>& strings, size_t size = 65532);
-// One copy: the CRC word of `data` (the first `crcBytes` of it, all by default), then `data`.
-std::string envCopy(const std::string& data, size_t crcBytes = std::string::npos);
-// Copy A at 0 and copy B at 65536 (padded with `fill` between and after as needed).
-std::string twoCopies(const std::string& copyA, const std::string& copyB, char fill = '\0');
-// The usual partition: the same 65536-byte copy of `variables` twice.
-std::string envImage(const Variables& variables);
-
-uint32_t crcOf(const std::string& bytes);
-uint32_t storedCrc(const std::string& image, size_t offset);
-// True when the copy at `offset` holds the CRC of its `dataBytes`-byte data area.
-bool copyValid(const std::string& image, size_t offset, size_t dataBytes = 65532);
 std::string hex8(uint32_t value);
 
 // The list of a loaded object, node by node (empty nodes included).

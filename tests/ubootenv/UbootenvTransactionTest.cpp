@@ -6,10 +6,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <climits>
 #include <map>
 #include <string>
 #include <vector>
 
+#include "ChildProcess.h"
 #include "DisplayModeControl.h"
 #include "EnvFixture.h"
 #include "InterruptedWrite.h"
@@ -27,26 +29,12 @@ std::map<std::string, std::string> variablesOf(const Ubootenv& env) {
     return values;
 }
 
-// Runs `body` in a child process; its exit status (or 128 + the signal that ended it).
-pid_t startChild(const std::function<int()>& body) {
-    pid_t pid = fork();
-    if (pid == 0) _exit(body());
-    return pid;
-}
-
-int waitChild(pid_t pid) {
-    int status = -1;
-    while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
-    }
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-}
-
 using UbootenvTransactionTest = EnvTest;
 
 TEST_F(UbootenvTransactionTest, EveryUpdateOfEveryProcessSurvives) {
-    std::vector<pid_t> children;
+    std::vector<OtherProcess> children;
     for (int writer = 0; writer < kWriters; ++writer) {
-        children.push_back(startChild([writer] {
+        children.emplace_back(([writer] {
             int failures = 0;
             for (int i = 0; i < kUpdatesPerWriter; ++i) {
                 Ubootenv env;  // each update on an object loaded before other processes saved
@@ -60,7 +48,7 @@ TEST_F(UbootenvTransactionTest, EveryUpdateOfEveryProcessSurvives) {
         }));
     }
     // Beside them, output modes applied as the service applies them (its shell recorded).
-    children.push_back(startChild([] {
+    children.emplace_back(([] {
         vesk::host::setShellRecorder([](const std::string&) { return 0; });
         int failures = 0;
         for (uint32_t width : {1920u, 1280u, 1600u, 1920u}) {
@@ -70,7 +58,7 @@ TEST_F(UbootenvTransactionTest, EveryUpdateOfEveryProcessSurvives) {
         }
         return failures == 0 ? 0 : 1;
     }));
-    for (pid_t child : children) EXPECT_EQ(0, waitChild(child));
+    for (OtherProcess& child : children) EXPECT_EQ(0, child.result());
 
     std::string image = readDevice(kEnvDevice);
     EXPECT_TRUE(copyValid(image, 0));
@@ -228,13 +216,13 @@ TEST_F(UbootenvTransactionTest, AWriterKilledAtAnyWriteLosesNothing) {
         for (size_t bytes : {size_t{0}, size_t{4}, size_t{30000}, size_t{65536}}) {
             SCOPED_TRACE("write " + std::to_string(write) + ", bytes " + std::to_string(bytes));
             writeDevice(kEnvDevice, factory);
-            pid_t child = startChild([write, bytes] {
+            int result = inOtherProcess([write, bytes] {
                 Ubootenv env;
                 killInWrite(write, bytes);
                 env.updateValue("ubootenv.var.hdmimode", "720p60hz");
                 return 0;
             });
-            EXPECT_EQ(128 + SIGKILL, waitChild(child));
+            EXPECT_EQ(INT_MIN, result) << "the writer was not killed";
 
             Ubootenv after;
             ASSERT_TRUE(after.initDone);

@@ -1,12 +1,9 @@
-#include "OtherProcess.h"
-
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <climits>
-#include <fstream>
 
-#include "vesk/host/DeviceRoot.h"
+#include "ChildProcess.h"
 
 namespace vesk::test {
 
@@ -38,13 +35,6 @@ int OtherProcess::result() {
 
 int inOtherProcess(const std::function<int()>& action) {
     return OtherProcess(action).result();
-}
-
-nlohmann::json stateFile() {
-    std::ifstream in(
-            vesk::host::pathBelowRoot(vesk::host::deviceRoot(), "/data/vesksdk/state.json"));
-    if (!in) return nlohmann::json::object();
-    return nlohmann::json::parse(in);
 }
 
 }  // namespace vesk::test

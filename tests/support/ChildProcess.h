@@ -1,7 +1,7 @@
 /*
- * Running part of a test in a child process: to bound its address space (so that an
- * allocation fails for real) or to let a resource limit cut its writes short. The child's log
- * lines come back to the parent.
+ * Running part of a test in a child process: as another client on the same device root (its
+ * int result comes back), or bounded, to make an allocation fail for real or let a resource
+ * limit cut its writes short (its log lines come back). The one fork helper of the tests.
  */
 #pragma once
 
@@ -13,6 +13,21 @@
 #include "vesk/host/LogSink.h"
 
 namespace vesk::test {
+
+// A child process that runs `action` while this one goes on.
+class OtherProcess {
+  public:
+    explicit OtherProcess(const std::function<int()>& action);
+    // Waits for the child: its action's result (INT_MIN if the child died).
+    int result();
+
+  private:
+    int mPid = -1;
+    int mFd = -1;
+};
+
+// Forks, runs `action` in the child and returns its int result (INT_MIN if the child died).
+int inOtherProcess(const std::function<int()>& action);
 
 struct ChildOutcome {
     bool exited = false;  // the child ran `body` to its end
