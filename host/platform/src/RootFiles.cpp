@@ -191,8 +191,8 @@ bool writesTo(int flags) {
 }
 
 // A regular file reachable under another name may be outside the root.
-bool hardLinked(const struct stat& st) {
-    return S_ISREG(st.st_mode) && st.st_nlink > 1;
+bool hardLinked(mode_t mode, nlink_t links) {
+    return S_ISREG(mode) && links > 1;
 }
 
 bool writeAll(int fd, const std::string& text) {
@@ -265,13 +265,15 @@ int openWith(Opener opener, const std::string& root, const std::string& path, in
     Fd fd(opener(rootFd.get(), components(path), (flags & ~O_TRUNC) | O_CLOEXEC, mode));
     if (fd.get() < 0) return -1;
     if (writesTo(flags)) {
-        struct stat st {};
-        if (fstat(fd.get(), &st) != 0) return -1;
-        if (hardLinked(st)) {
+        // Type and link count only: asking for the times as well would make the next write
+        // stamp a fine-grained time, and every sync of the file would then write its inode.
+        struct statx st {};
+        if (statx(fd.get(), "", AT_EMPTY_PATH, STATX_TYPE | STATX_NLINK, &st) != 0) return -1;
+        if (hardLinked(st.stx_mode, st.stx_nlink)) {
             errno = EMLINK;
             return -1;
         }
-        if (truncate && S_ISREG(st.st_mode) && ftruncate(fd.get(), 0) != 0) return -1;
+        if (truncate && S_ISREG(st.stx_mode) && ftruncate(fd.get(), 0) != 0) return -1;
     }
     return fd.release();
 }
@@ -326,7 +328,7 @@ bool replaceFileBelowRoot(const std::string& root, const std::string& path,
             errno = EISDIR;
             return false;
         }
-        if (hardLinked(st)) {
+        if (hardLinked(st.st_mode, st.st_nlink)) {
             errno = EMLINK;
             return false;
         }
