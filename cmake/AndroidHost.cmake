@@ -1,6 +1,8 @@
 # Debian's Android platform libraries: headers under /usr/include/android, libraries in the
-# multiarch android/ folder, no pkg-config files.
-set(ANDROID_HOST_INCLUDE_DIR /usr/include/android)
+# multiarch android/ folder, no pkg-config files. Both are searched for, not named, so that a
+# cross build finds them in its sysroot.
+find_path(ANDROID_HOST_INCLUDE_DIR utils/RefBase.h PATHS /usr/include/android REQUIRED
+          NO_DEFAULT_PATH)
 find_library(ANDROID_LIBLOG log PATH_SUFFIXES android REQUIRED NO_DEFAULT_PATH
              PATHS /usr/lib/${CMAKE_LIBRARY_ARCHITECTURE}/android)
 find_library(ANDROID_LIBUTILS utils PATH_SUFFIXES android REQUIRED NO_DEFAULT_PATH

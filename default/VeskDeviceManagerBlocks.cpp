@@ -5,6 +5,7 @@
 #include <unistd.h>
 #include <vesksdk.h>
 
+#include "BoardCount.h"
 #include "BoardInput.h"
 #include "ServiceTrace.h"
 #include "TraceLines.h"
@@ -150,7 +151,7 @@ Return<void> VeskDeviceManager::wReadSpiFpga(const hidl_vec<uint8_t>& data,
 // A negative size is not caught here: the vector's own size check ends the process.
 Return<void> VeskDeviceManager::readSpiFpga(int32_t size, readSpiFpga_cb _hidl_cb) {
     hidl_vec<uint8_t> buffer;
-    buffer.resize(static_cast<size_t>(static_cast<int64_t>(size)));
+    buffer.resize(vectorSizeOf(size));
     int ret = bi_fpga_spi_read(buffer.data(), size);
     if (ret >= 0 && ret < size) buffer.resize(ret);
     _hidl_cb(ret, buffer);

@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "BoardCount.h"
 #include "BoardText.h"
 #include "DisplayModeControl.h"
 #include "ServiceTrace.h"
@@ -116,7 +117,7 @@ Return<void> VeskDeviceManager::getResolutionParametersList(getResolutionParamet
     // own size check, which ends the process.
     int size = count > kMaxListRecords ? kMaxListRecords : count;
     hidl_vec<VeskEffeResolution> list;
-    list.resize(static_cast<size_t>(static_cast<int64_t>(size)));
+    list.resize(vectorSizeOf(size));
     for (int i = 0; i < size; ++i) {
         list[i].width = records[i].width;
         list[i].height = records[i].height;

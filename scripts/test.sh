@@ -1,16 +1,21 @@
 #!/usr/bin/env bash
 # Installs what is missing, checks the formatting, then builds and runs every test: the release
-# build, then the AddressSanitizer+UBSan and ThreadSanitizer builds, then a short run of every
-# fuzz target. Set VESK_PRESETS to run fewer presets, VESK_FUZZ=0 to skip the fuzz stage and
+# build, then the AddressSanitizer+UBSan and ThreadSanitizer builds, then the arm64 and 32-bit
+# ARM cross builds with every test under qemu-user, then a short run of every fuzz target.
+# Set VESK_PRESETS to run fewer presets, VESK_FUZZ=0 to skip the fuzz stage and
 # VESK_FUZZ_SECONDS for its length per target (default 60).
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/install-deps.sh
+
+presets=${VESK_PRESETS:-"default asan tsan aarch64 armhf"}
+case " $presets " in
+    *" aarch64 "* | *" armhf "*) scripts/install-deps.sh --cross ;;
+    *) scripts/install-deps.sh ;;
+esac
 
 echo "=== lint"
 scripts/lint.sh
 
-presets=${VESK_PRESETS:-"default asan tsan"}
 for preset in $presets; do
     echo "=== $preset: build"
     scripts/build.sh "$preset"

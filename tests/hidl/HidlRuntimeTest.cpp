@@ -66,19 +66,23 @@ TEST(HidlRuntimeTest, ReturnCarriesValueAndOkStatus) {
 
 using HidlRuntimeDeathTest = ::testing::Test;
 
-TEST(HidlRuntimeDeathTest, ResizeToNegativeSizeEndsTheProcess) {
-    EXPECT_DEATH(
-            {
-                hidl_vec<uint8_t> v;
-                int32_t size = -1;
-                v.resize(size);
-            },
-            "hidl_vec can't hold more than 2\\^32 elements\\.");
-}
-
-TEST(HidlRuntimeDeathTest, ConstructionBeyond32BitsEndsTheProcess) {
-    EXPECT_DEATH({ hidl_vec<uint8_t> v(size_t{1} << 32); },
-                 "hidl_vec can't hold more than 2\\^32 elements\\.");
+// Sizes above 2^32 - 1 exist only where size_t has 64 bits (a negative int converted to such a
+// size_t is one); with a 32-bit size_t every size fits the vector's 32-bit count.
+TEST(HidlRuntimeDeathTest, SizesBeyond32BitsEndTheProcess) {
+    if constexpr (sizeof(size_t) > sizeof(uint32_t)) {
+        const uint64_t beyond = uint64_t{1} << 32;
+        EXPECT_DEATH({ hidl_vec<uint8_t> v(static_cast<size_t>(beyond)); },
+                     "hidl_vec can't hold more than 2\\^32 elements\\.");
+        EXPECT_DEATH(
+                {
+                    hidl_vec<uint8_t> v;
+                    int32_t size = -1;
+                    v.resize(size);
+                },
+                "hidl_vec can't hold more than 2\\^32 elements\\.");
+    } else {
+        EXPECT_EQ(SIZE_MAX, size_t{UINT32_MAX});
+    }
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <thread>
 #include <vector>
 
+#include "BuiltProgram.h"
 #include "TestRoot.h"
 
 namespace vesk::test {
@@ -56,9 +57,8 @@ TEST_F(PropertyStoreTest, ValueSetByAnotherProcessIsSeenOnTheNextRead) {
     property_get("persist.vesk.shared", value, "none");
     EXPECT_STREQ("none", value);
     int status = 0;
-    runCommand("VESK_ROOT='" + root.path() +
-                       "' " VESK_BINARY_DIR
-                       "/bin/veskdm prop set "
+    runCommand("VESK_ROOT='" + root.path() + "' " + veskdmCommand() +
+                       " prop set "
                        "persist.vesk.shared fromchild",
                &status);
     // The tool may not be built in every configuration; fall back to a forked writer.

@@ -16,6 +16,7 @@
 #include <map>
 #include <string>
 
+#include "BuiltProgram.h"
 #include "TestRoot.h"
 #include "Ubootenv.h"
 #include "VeskPlatform.h"
@@ -348,7 +349,7 @@ TEST_F(ExistingRootTest, ToolReadsWithoutMakingTheDefaultRoot) {
     std::string missing = root.path() + "/state-home";
     std::string image = root / "/dev/block/env";
     std::string env = "env -u VESK_ROOT XDG_STATE_HOME='" + missing + "' ";
-    std::string tool = VESK_BINARY_DIR "/bin/veskdm";
+    std::string tool = veskdmCommand();
     int status = -1;
     std::string printed =
             runCommand(env + tool + " env print --device '" + image + "' 2>/dev/null", &status);

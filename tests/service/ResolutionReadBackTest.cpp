@@ -1,5 +1,6 @@
 // getResolutionParameters: on the computed models the stored custom mode read back (status
 // always 1, the rate in whole Hz from the stored thousandths); elsewhere the board's answer.
+#include "BuiltProgram.h"
 #include "ResolutionTest.h"
 #include "Ubootenv.h"
 
@@ -55,9 +56,8 @@ TEST_F(ResolutionReadBackTest, TwentyOneFieldsReportZeros) {
     // Stored with the host tool, as a client developer would.
     int status = -1;
     std::string output =
-            runCommand("VESK_ROOT='" + root.path() +
-                               "' " VESK_BINARY_DIR
-                               "/bin/veskdm env set custom_mode "
+            runCommand("VESK_ROOT='" + root.path() + "' " + veskdmCommand() +
+                               " env set custom_mode "
                                "1,2,3,4,5,6,7,8,1920,10,11,12,13,14,1080,16,17,18,19,20,21 2>&1",
                        &status);
     ASSERT_EQ(0, status) << output;

@@ -4,6 +4,7 @@
 
 #include <functional>
 
+#include "BuiltProgram.h"
 #include "ServiceTest.h"
 #include "VeskDeviceCallback.h"
 
@@ -82,14 +83,12 @@ TEST_F(ServiceEntryTest, LevelSetByAnotherProcessTakesEffectOnTheNextCall) {
     service->setSysLedState(1);
     EXPECT_TRUE(capturedLogWithTag(kServiceTag).empty());
     int status = -1;
-    runCommand("VESK_ROOT='" + root.path() + "' " VESK_BINARY_DIR "/bin/veskdm prop set " + kLevel +
-                       " D",
+    runCommand("VESK_ROOT='" + root.path() + "' " + veskdmCommand() + " prop set " + kLevel + " D",
                &status);
     ASSERT_EQ(0, status);
     service->setSysLedState(1);
     EXPECT_EQ(LogLines{debugLine(traced("setSysLedState") + "\n")}, capturedLogWithTag(kServiceTag));
-    runCommand("VESK_ROOT='" + root.path() + "' " VESK_BINARY_DIR "/bin/veskdm prop set " + kLevel +
-                       " E",
+    runCommand("VESK_ROOT='" + root.path() + "' " + veskdmCommand() + " prop set " + kLevel + " E",
                &status);
     vesk::host::clearCapturedLog();
     service->setSysLedState(1);

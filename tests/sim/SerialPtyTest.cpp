@@ -1,7 +1,10 @@
 // The simulated serial channels as pseudo-terminals: the peer published below the device root,
 // the line settings seen from the peer, bytes both ways, time-outs, closing, threads.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <stdlib.h>
 #include <termios.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
@@ -42,6 +45,20 @@ const Channel kChannels[] = {
         CHANNEL(hdmi, "/dev/ttyVESKHDMI"),  CHANNEL(ttl, "/dev/ttyVESKTTL"),
         CHANNEL(ttl_2, "/dev/ttyVESKTTL_2")};
 #undef CHANNEL
+
+// Whether a terminal takes `speed`: set on a pseudo-terminal of the test's own, read back.
+bool terminalCarries(speed_t speed) {
+    int master = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (master < 0 || grantpt(master) != 0 || unlockpt(master) != 0) return false;
+    int peer = open(ptsname(master), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    termios line{};
+    bool carried = peer >= 0 && tcgetattr(peer, &line) == 0 && cfsetospeed(&line, speed) == 0 &&
+                   cfsetispeed(&line, speed) == 0 && tcsetattr(peer, TCSANOW, &line) == 0 &&
+                   tcgetattr(peer, &line) == 0 && cfgetospeed(&line) == speed;
+    if (peer >= 0) close(peer);
+    close(master);
+    return carried;
+}
 
 class SerialPtyTest : public RootTest, public ::testing::WithParamInterface<Channel> {
   protected:
@@ -108,12 +125,18 @@ TEST_P(SerialPtyTest, ParityLettersAndTheRangeOfSpeeds) {
         EXPECT_EQ(speed_t(B57600), cfgetospeed(&line));
         EXPECT_EQ(tcflag_t(PARODD), line.c_cflag & PARODD);
     }
-    ASSERT_EQ(0, port().open(4000000, 8, 2, 'e'));
-    {
+    // The fastest speed, where the terminal layer carries it (found out on a terminal of the
+    // test's own); where it does not (qemu-user up to 7.2 drops speeds above 460800 on the way
+    // to the kernel), the board refuses the line rather than open one at another speed.
+    if (terminalCarries(B4000000)) {
+        ASSERT_EQ(0, port().open(4000000, 8, 2, 'e'));
         SerialPeer peer(link());
         termios line = peer.line();
         EXPECT_EQ(speed_t(B4000000), cfgetospeed(&line));
         EXPECT_EQ(0u, line.c_cflag & PARODD);
+    } else {
+        EXPECT_EQ(-1, port().open(4000000, 8, 2, 'e'));
+        EXPECT_EQ("", linkTarget(link()));
     }
     ASSERT_EQ(0, port().open(50, 8, 1, 'N'));
     SerialPeer peer(link());

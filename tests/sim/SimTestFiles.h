@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "BuiltProgram.h"
+
 namespace vesk::test {
 
 // A path in the test's temporary directory, unique to this process; removed by the caller.
@@ -24,13 +26,25 @@ class FreshProcessStyle {
   public:
     FreshProcessStyle() : mPrevious(GTEST_FLAG_GET(death_test_style)) {
         GTEST_FLAG_SET(death_test_style, "threadsafe");
+        // The new run is an exec of this program: in a cross build, an exec of its emulator.
+        std::vector<std::string> argv = ::testing::internal::GetArgvs();
+        std::vector<std::string> start = builtProgramArgv(argv.front());
+        if (start.size() > 1) {
+            start.insert(start.end(), argv.begin() + 1, argv.end());
+            ::testing::internal::SetInjectableArgvs(start);
+            mInjected = true;
+        }
     }
-    ~FreshProcessStyle() { GTEST_FLAG_SET(death_test_style, mPrevious); }
+    ~FreshProcessStyle() {
+        if (mInjected) ::testing::internal::ClearInjectableArgvs();
+        GTEST_FLAG_SET(death_test_style, mPrevious);
+    }
     FreshProcessStyle(const FreshProcessStyle&) = delete;
     FreshProcessStyle& operator=(const FreshProcessStyle&) = delete;
 
   private:
     std::string mPrevious;
+    bool mInjected = false;
 };
 
 }  // namespace vesk::test

@@ -9,6 +9,7 @@
 #include <set>
 #include <thread>
 
+#include "BuiltProgram.h"
 #include "ResolutionTest.h"
 
 extern char** environ;
@@ -24,14 +25,14 @@ constexpr int kEnvSets = 12;
 
 // Runs `veskdm --root ROOT env set stress_marker VALUE` and waits for it: its exit status.
 int veskdmEnvSet(const std::string& root, const std::string& value) {
-    std::string program = std::string(VESK_BINARY_DIR) + "/bin/veskdm";
-    std::vector<std::string> words = {program, "--root",        root, "env",
-                                      "set",   "stress_marker", value};
+    std::vector<std::string> words = builtProgramArgv(VESK_BINARY_DIR "/bin/veskdm");
+    const std::string program = words.front();
+    words.insert(words.end(), {"--root", root, "env", "set", "stress_marker", value});
     std::vector<char*> argv;
     for (std::string& word : words) argv.push_back(word.data());
     argv.push_back(nullptr);
     pid_t pid;
-    if (posix_spawn(&pid, program.c_str(), nullptr, nullptr, argv.data(), environ) != 0) return -1;
+    if (posix_spawnp(&pid, program.c_str(), nullptr, nullptr, argv.data(), environ) != 0) return -1;
     int status = 0;
     while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
     }

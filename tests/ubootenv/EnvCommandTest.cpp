@@ -2,6 +2,7 @@
 // run as the built binary.
 #include <gtest/gtest.h>
 
+#include "BuiltProgram.h"
 #include "EnvFixture.h"
 
 namespace vesk::test {
@@ -18,8 +19,8 @@ class EnvCommandTest : public EnvTest {
     Run veskdm(const std::string& arguments) {
         std::string errors = hostPath("/data/stderr.txt");
         Run run{-1, "", ""};
-        run.out = runCommand("'" VESK_BINARY_DIR "/bin/veskdm' --root '" + root.path() + "' " +
-                                     arguments + " 2>'" + errors + "'",
+        run.out = runCommand(veskdmCommand() + " --root '" + root.path() + "' " + arguments +
+                                     " 2>'" + errors + "'",
                              &run.status);
         std::string text = readFile(errors);
         if (!text.empty() && text.back() == '\n') text.pop_back();

@@ -7,9 +7,8 @@
 
 #include <cstring>
 
-#include "ChildProcess.h"
 #include "EnvFixture.h"
-#include "FailingCalloc.h"
+#include "FailingAllocation.h"
 #include "FileMtd.h"
 
 namespace vesk::test {
@@ -482,12 +481,12 @@ TEST_F(UbootenvLoadTest, NoMemoryForTheCopyFailsEveryTry) {
     FileMtd mtd(0xfffffff0u, 65536);
     removeDevice(kEnvDevice);
     writeDevice(kByNameUbootenv, envImage(factoryVariables()));
-    ChildOutcome outcome = runWithMemoryLimit(64 << 20, [] {
+    {
+        LargeMallocFails noRoomForTheCopy(64 << 20);
         Ubootenv env;
-        return (env.initDone ? 1 : 0) + (env.image == nullptr ? 2 : 0);
-    });
-    ASSERT_TRUE(outcome.exited);
-    EXPECT_EQ(2, outcome.result);
+        EXPECT_FALSE(env.initDone);
+        EXPECT_EQ(nullptr, env.image);
+    }
     EnvLogs attempt = {
             {kError, "readPartitionData",
              "[ubootenv] Not enough memory for environment (4294967280 bytes)\n"},
@@ -496,7 +495,7 @@ TEST_F(UbootenvLoadTest, NoMemoryForTheCopyFailsEveryTry) {
                         "[ubootenv] using /dev/block/by-name/ubootenv with size(-16) (-24)"}} +
                repeated(attempt, 5) +
                EnvLogs{{kError, "init", "[ubootenv] read /dev/block/by-name/ubootenv failed \n"}}),
-              parseEnvLog(outcome.log));
+              takeEnvLog());
 }
 
 TEST_F(UbootenvLoadTest, NoMemoryForANodeEndsTheList) {

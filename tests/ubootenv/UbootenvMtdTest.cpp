@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "ChildProcess.h"
 #include "EnvFixture.h"
+#include "FailingAllocation.h"
 #include "FileMtd.h"
 
 namespace vesk::test {
@@ -131,18 +131,15 @@ TEST_F(MtdSaveTest, FailedInformationQueryReturnsMinusFour) {
 TEST_F(MtdSaveTest, NoMemoryForTheEraseBlockReturnsMinusFive) {
     FileMtd mtd(131072, 0xfffff000u);
     std::string before = readFile(device);
-    std::string path = device;
-    ChildOutcome outcome = runWithMemoryLimit(64 << 20, [path] {
-        Ubootenv env(path.c_str());
-        env.set("hdmimode", "720p60hz", false);
-        return env.save();
-    });
-    ASSERT_TRUE(outcome.exited);
-    EXPECT_EQ(-5, outcome.result);
+    Ubootenv env(device.c_str());
+    env.set("hdmimode", "720p60hz", false);
+    takeEnvLog();
+    {
+        LargeMallocFails noRoomForTheEraseBlock(64 << 20);
+        EXPECT_EQ(-5, env.save());
+    }
     EXPECT_EQ(before, readFile(device));
-    EnvLogs log = parseEnvLog(outcome.log);
-    ASSERT_FALSE(log.empty());
-    EXPECT_EQ((EnvLog{kError, "save", "[ubootenv] Out of memory!!!\n"}), log.back());
+    EXPECT_EQ((EnvLogs{{kError, "save", "[ubootenv] Out of memory!!!\n"}}), takeEnvLog());
 }
 
 // A FIFO named like an MTD device cannot seek.

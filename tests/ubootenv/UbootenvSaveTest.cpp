@@ -5,8 +5,9 @@
 #include <regex>
 #include <sstream>
 
+#include "BuiltProgram.h"
 #include "EnvFixture.h"
-#include "FailingCalloc.h"
+#include "FailingAllocation.h"
 #include "FileMtd.h"
 
 namespace vesk::test {
@@ -505,7 +506,7 @@ TEST_F(UbootenvSaveTest, EachCopyIsOnTheDeviceBeforeTheNextWriteUnderAnExclusive
     runCommand(
             "ASAN_OPTIONS=detect_leaks=0 strace -f -qq -e "
             "trace=openat,openat2,flock,lseek,write,fdatasync,fsync,close -o '" +
-                    trace + "' '" VESK_BINARY_DIR "/bin/veskdm' --root '" + root.path() +
+                    trace + "' " + veskdmCommand() + " --root '" + root.path() +
                     "' env set hdmimode 720p60hz 2>/dev/null",
             &status);
     ASSERT_EQ(0, status);
@@ -515,9 +516,11 @@ TEST_F(UbootenvSaveTest, EachCopyIsOnTheDeviceBeforeTheNextWriteUnderAnExclusive
     std::vector<std::string> calls;
     std::regex call(R"(^\d+ +(\w+)\((\d+)(?:, ([^"]*?|".*"\.*, \d+))?\) += (-?\d+))");
     while (std::getline(lines, line)) {
-        // The host opens device files beneath the root with openat2 where the kernel has it.
+        // The host opens device files beneath the root with openat2 where the kernel (or the
+        // emulator) has it, else name by name.
         if (line.find(hostPath(kEnvDevice) + "\", O_RDWR") != std::string::npos ||
-            line.find("\"dev/block/env\", {flags=O_RDWR") != std::string::npos) {
+            line.find("\"dev/block/env\", {flags=O_RDWR") != std::string::npos ||
+            line.find("\"env\", O_RDWR") != std::string::npos) {
             fd = line.substr(line.rfind(' ') + 1);
             calls.clear();
             continue;

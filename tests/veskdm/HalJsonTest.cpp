@@ -171,6 +171,21 @@ TEST(Integers, SixtyFourBitRange) {
     EXPECT_NE(error.find("(out of range)"), std::string::npos) << error;
 }
 
+// A limit's neighbours written as floating point: 2^31 is past int32_t, 2^31 - 1 is in range
+// but not written as an integer.
+TEST(Integers, FloatingPointAtTheLimits) {
+    EXPECT_EQ(errorOf<int32_t>("2147483648.0"),
+              "expected an integer from -2147483648 to 2147483647 (int32_t), got 2147483648.0 "
+              "(out of range)");
+    EXPECT_EQ(errorOf<int32_t>("2147483647.0"),
+              "expected an integer from -2147483648 to 2147483647 (int32_t), got 2147483647.0 "
+              "(written with a fraction or an exponent)");
+    EXPECT_EQ(errorOf<int32_t>("-2147483649.0"),
+              "expected an integer from -2147483648 to 2147483647 (int32_t), got -2147483649.0 "
+              "(out of range)");
+    EXPECT_NE(errorOf<uint64_t>("1.8446744073709552e19").find("(out of range)"), std::string::npos);
+}
+
 TEST(Integers, NonIntegralNumberIsAnError) {
     EXPECT_EQ(errorOf<int32_t>("1.5"),
               "expected an integer from -2147483648 to 2147483647 (int32_t), got 1.5 (not an "

@@ -1,5 +1,7 @@
 #include "RunVeskdm.h"
 
+#include "BuiltProgram.h"
+
 namespace veskdm::test {
 
 std::string shellQuote(const std::string& word) {
@@ -42,7 +44,7 @@ Outcome VeskdmRunner::run(const std::vector<std::string>& args, const std::strin
     vesk::test::writeFile(inputFile, input);
     std::string command;
     for (const std::string& assignment : environment) command += assignment + " ";
-    command += VESK_BINARY_DIR "/bin/veskdm --root " + shellQuote(mRoot);
+    command += vesk::test::veskdmCommand() + " --root " + shellQuote(mRoot);
     for (const std::string& arg : args) command += " " + shellQuote(arg);
     command += " < " + shellQuote(inputFile) + " 2> " + shellQuote(errFile);
     Outcome outcome;

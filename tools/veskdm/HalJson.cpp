@@ -323,11 +323,14 @@ void throwNotInteger(const std::string& type, long long min, unsigned long long 
         throw ArgumentError(expected + " (out of range)");
     }
     if (in.is_number_float()) {
-        // Integers too large for 64 bits are read as floating point.
-        // long double holds every 64-bit limit exactly.
-        long double value = in.get<double>();
+        // Integers too large for 64 bits are read as floating point. The limits of an integer
+        // type are compared as min and max + 1, powers of two (or 0) that a double holds
+        // exactly; max itself may not be (2^64 - 1 rounds to 2^64, and long double is no
+        // wider than double on 32-bit ARM).
+        const double value = in.get<double>();
         if (std::trunc(value) != value) throw ArgumentError(expected + " (not an integer)");
-        if (value < static_cast<long double>(min) || value > static_cast<long double>(max)) {
+        const double end = static_cast<double>(max / 2 + 1) * 2;
+        if (value < static_cast<double>(min) || value >= end) {
             throw ArgumentError(expected + " (out of range)");
         }
         throw ArgumentError(expected + " (written with a fraction or an exponent)");

@@ -137,9 +137,19 @@ static_assert(offsetof(vesk_product_record, region) == 1952, "product record reg
 static_assert(offsetof(vesk_product_record, language) == 1984, "product record language");
 static_assert(offsetof(vesk_product_record, use_dhcp) == 2016, "product record use_dhcp");
 static_assert(sizeof(vesk_watchdog_record) == 72, "watchdog record");
+/* The process record holds three pointers: 64 bytes on a 64-bit ABI, 56 on a 32-bit one (where
+   the uint64 and the double stay 8-aligned). */
+#if UINTPTR_MAX > 0xffffffffu
 static_assert(sizeof(vesk_process_record) == 64, "process record");
 static_assert(offsetof(vesk_process_record, block) == 24, "process record block");
+static_assert(offsetof(vesk_process_record, value64) == 40, "process record value64");
 static_assert(offsetof(vesk_process_record, value32) == 56, "process record value32");
+#else
+static_assert(sizeof(vesk_process_record) == 56, "process record");
+static_assert(offsetof(vesk_process_record, block) == 12, "process record block");
+static_assert(offsetof(vesk_process_record, value64) == 32, "process record value64");
+static_assert(offsetof(vesk_process_record, value32) == 48, "process record value32");
+#endif
 static_assert(sizeof(vesk_usb_list_record) == 1028, "USB list record");
 static_assert(sizeof(vesk_cpu_record) == 32, "CPU record");
 static_assert(sizeof(vesk_log_record) == 216, "log record");

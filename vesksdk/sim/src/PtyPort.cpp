@@ -54,8 +54,15 @@ std::shared_ptr<PtyPort> PtyPort::open(const termios& line, const std::string& l
     port->mPeer = ::open(name, O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
     port->mWake = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     if (port->mPeer < 0 || port->mWake < 0) return nullptr;
-    // The settings belong to the peer's side; a program that opens it sees them.
-    if (tcsetattr(port->mPeer, TCSANOW, &line) != 0) return nullptr;
+    // The settings belong to the peer's side; a program that opens it sees them. tcsetattr()
+    // succeeds when any part of them was taken: a line whose speed did not take (one the
+    // terminal layer does not carry) is no line at all. (A pseudo-terminal keeps no parity
+    // enable bit, so the framing is not compared.)
+    termios taken{};
+    if (tcsetattr(port->mPeer, TCSANOW, &line) != 0 || tcgetattr(port->mPeer, &taken) != 0 ||
+        cfgetospeed(&taken) != cfgetospeed(&line) || cfgetispeed(&taken) != cfgetispeed(&line)) {
+        return nullptr;
+    }
     if (!publishLink(port->mPeerPath, linkPath)) return nullptr;
     port->mLinkPath = linkPath;
     return port;

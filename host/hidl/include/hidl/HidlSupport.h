@@ -29,6 +29,33 @@ struct i_tag {};
 // Logs at FATAL under the runtime's tag and aborts, as libhidlbase does.
 [[noreturn]] void logAlwaysFatal(const char* message);
 
+// A pointer held in a 64-bit slot, so that hidl_string and hidl_vec keep one layout (16 bytes,
+// 8-aligned) on 32-bit and 64-bit ABIs alike, as libhidlbase's do.
+template <typename T>
+class hidl_pointer {
+  public:
+    hidl_pointer() { mSlot.pad = 0; }
+    hidl_pointer(T* pointer) : hidl_pointer() { mSlot.pointer = pointer; }  // NOLINT
+    hidl_pointer(const hidl_pointer& other) : hidl_pointer(other.mSlot.pointer) {}
+    hidl_pointer& operator=(const hidl_pointer& other) {
+        mSlot.pointer = other.mSlot.pointer;
+        return *this;
+    }
+    hidl_pointer& operator=(T* pointer) {
+        mSlot.pointer = pointer;
+        return *this;
+    }
+    operator T*() const { return mSlot.pointer; }  // NOLINT
+    T& operator[](size_t index) const { return mSlot.pointer[index]; }
+    T* operator->() const { return mSlot.pointer; }
+
+  private:
+    union {
+        T* pointer;
+        uint64_t pad;
+    } mSlot;
+};
+
 }  // namespace details
 
 class hidl_string {
@@ -91,7 +118,7 @@ class hidl_string {
         other.mOwnsBuffer = false;
     }
 
-    const char* mBuffer = kEmpty;
+    details::hidl_pointer<const char> mBuffer = kEmpty;
     uint32_t mSize = 0;
     bool mOwnsBuffer = false;
     [[maybe_unused]] uint8_t mPad[3] = {};
@@ -212,11 +239,13 @@ class hidl_vec {
         mOwnsBuffer = false;
     }
 
-    T* mBuffer = nullptr;
+    details::hidl_pointer<T> mBuffer = nullptr;
     uint32_t mSize = 0;
     bool mOwnsBuffer = false;
     [[maybe_unused]] uint8_t mPad[3] = {};
 };
+
+static_assert(sizeof(hidl_vec<uint8_t>) == 16 && alignof(hidl_vec<uint8_t>) == 8);
 
 template <typename T>
 bool operator==(const hidl_vec<T>& a, const hidl_vec<T>& b) {
