@@ -17,6 +17,7 @@
  *   VeskDeviceManagerPictureQuality.cpp    picture quality and HDR
  *   VeskDeviceManagerPower.cpp             power and the other devices (fans, OPS, USB, audio,
  *                                          4G, sensors...)
+ *   VeskDeviceManagerDebug.cpp             IBase::debug, the service's state for lshal
  * The trace's line numbers belong to the methods, not to these files: TraceLines.h holds them.
  */
 #pragma once
@@ -239,6 +240,10 @@ struct VeskDeviceManager : public IVeskDeviceManager {
     Return<int32_t> setHDREnable(int32_t enable) override;
     Return<int32_t> setPowerAmplifierState(int32_t state) override;
     Return<int32_t> getPowerAmplifierState() override;
+
+    // From ::android::hidl::base::V1_0::IBase, for `lshal debug` (VeskDeviceManagerDebug.cpp).
+    Return<void> debug(const ::android::hardware::hidl_handle& fd,
+                       const hidl_vec<hidl_string>& options) override;
 };
 
 // The passthrough factory: the library's one exported symbol (everything else is built hidden).

@@ -26,9 +26,7 @@ const char* PROFIX_UBOOTENV_VAR = "ubootenv.var.";
 namespace {
 
 constexpr char kTag[] = "Ubootenv";
-constexpr char kLevelProperty[] = "persist.vendor.sc.log.level";
-// Copy B starts here whatever the size of a copy; the boot loader looks for it there.
-constexpr uint32_t kCopyBOffset = 65536;
+constexpr uint32_t kCopyBOffset = kEnvCopyBOffset;
 constexpr uint32_t kDefaultPartitionSize = 65536;
 constexpr uint32_t kCrcSize = 4;
 constexpr int kReadTries = 5;
@@ -38,7 +36,7 @@ constexpr int kSaveTries = 5;
 bool levelAllows(int priority) {
     char level[PROPERTY_VALUE_MAX];
     memset(level, 0, sizeof(level));
-    property_get(kLevelProperty, level, "4");
+    property_get(kUbootenvLevelProperty, level, "4");
     return atoi(level) <= priority;
 }
 

@@ -18,6 +18,12 @@
 // for compatibility with the code that shares it.
 extern const char* PROFIX_UBOOTENV_VAR;
 
+// Copy B starts here whatever the size of a copy; the boot loader looks for it there.
+inline constexpr uint32_t kEnvCopyBOffset = 65536;
+
+// The numeric property that sets which of this module's log lines are written.
+inline constexpr char kUbootenvLevelProperty[] = "persist.vendor.sc.log.level";
+
 // One variable of the environment; the nodes form a list in partition order.
 struct EnvAttribute {
     EnvAttribute* next;

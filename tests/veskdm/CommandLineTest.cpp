@@ -9,7 +9,9 @@
 namespace veskdm::test {
 namespace {
 
+using ::testing::Contains;
 using ::testing::ElementsAre;
+using ::testing::Not;
 using ::testing::StartsWith;
 
 class CommandLineTest : public ::testing::Test {

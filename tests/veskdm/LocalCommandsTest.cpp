@@ -9,6 +9,7 @@ namespace {
 
 using ::testing::Contains;
 using ::testing::ElementsAre;
+using ::testing::Not;
 
 class LocalCommandsTest : public vesk::test::RootTest {
   protected:
@@ -106,6 +107,32 @@ TEST_F(LocalCommandsTest, HelpGoesToTheRunsOutput) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.err, "");
     EXPECT_THAT(outcome.out, ::testing::HasSubstr("veskdm: the device manager of the board"));
+}
+
+// veskdm debug: the service's debug() text as lshal would print it; the sections are checked
+// in detail by the service's own tests.
+TEST_F(LocalCommandsTest, DebugPrintsTheServicesSections) {
+    Outcome all = veskdm.run({"debug"});
+    EXPECT_EQ(0, all.status) << all.err;
+    EXPECT_THAT(all.outLines(), Contains("[product]"));
+    EXPECT_THAT(all.outLines(), Contains("[mode]"));
+    EXPECT_THAT(all.outLines(), Contains("[env]"));
+    EXPECT_THAT(all.outLines(), Contains("[log]"));
+    EXPECT_THAT(all.outLines(), Contains("hdmimode: 1080p60hz"));
+    EXPECT_THAT(all.outLines(), Contains("device: /dev/block/env"));
+    Outcome env = veskdm.run({"debug", "env"});
+    EXPECT_EQ(0, env.status);
+    EXPECT_EQ("[env]", env.outLines().at(0));
+    EXPECT_THAT(env.outLines(), Not(Contains("[product]")));
+}
+
+TEST_F(LocalCommandsTest, DebugWithAnUnknownSectionIsBadInput) {
+    Outcome outcome = veskdm.run({"debug", "everything"});
+    EXPECT_EQ(2, outcome.status);
+    EXPECT_EQ("", outcome.out);
+    ASSERT_EQ(1u, outcome.errLines().size()) << outcome.err;
+    EXPECT_EQ(0u, outcome.errLines()[0].rfind("veskdm: debug: usage: lshal debug ", 0))
+            << outcome.err;
 }
 
 }  // namespace

@@ -5,7 +5,7 @@ namespace veskdm {
 const std::vector<AddCommand>& commandList() {
     static const std::vector<AddCommand> kCommands = {
             addPropCommand, addTimingCommand, addEnvCommand,   addMethodsCommand,
-            addCallCommand, addShellCommand,  addBoardCommand,
+            addCallCommand, addShellCommand,  addBoardCommand, addDebugCommand,
     };
     return kCommands;
 }

@@ -27,5 +27,6 @@ void addMethodsCommand(CLI::App& app, Context& context);
 void addCallCommand(CLI::App& app, Context& context);
 void addShellCommand(CLI::App& app, Context& context);
 void addBoardCommand(CLI::App& app, Context& context);
+void addDebugCommand(CLI::App& app, Context& context);
 
 }  // namespace veskdm

@@ -5,6 +5,7 @@
  */
 #pragma once
 
+#include <cutils/native_handle.h>
 #include <hidl/Status.h>
 #include <utils/Errors.h>
 #include <utils/RefBase.h>
@@ -57,6 +58,35 @@ class hidl_pointer {
 };
 
 }  // namespace details
+
+// A native handle (file descriptors and integers) passed through an interface, as libhidlbase
+// has it: a copy clones the handle (its descriptors are duplicated) and owns the clone; a handle
+// given by pointer is owned only when setTo() says so.
+class hidl_handle {
+  public:
+    hidl_handle() = default;
+    ~hidl_handle() { freeHandle(); }
+    hidl_handle(const native_handle_t* handle) : mHandle(handle) {}  // NOLINT
+    hidl_handle(const hidl_handle& other) { *this = other; }
+    hidl_handle(hidl_handle&& other) noexcept { *this = std::move(other); }
+    hidl_handle& operator=(const hidl_handle& other);
+    hidl_handle& operator=(const native_handle_t* handle);
+    hidl_handle& operator=(hidl_handle&& other) noexcept;
+
+    void setTo(native_handle_t* handle, bool shouldOwn = false);
+    const native_handle_t* operator->() const { return mHandle; }
+    operator const native_handle_t*() const { return mHandle; }  // NOLINT
+    const native_handle_t* getNativeHandle() const { return mHandle; }
+
+  private:
+    void freeHandle();
+
+    details::hidl_pointer<const native_handle_t> mHandle = nullptr;
+    bool mOwnsHandle = false;
+    [[maybe_unused]] uint8_t mPad[7] = {};
+};
+
+static_assert(sizeof(hidl_handle) == 16 && alignof(hidl_handle) == 8);
 
 class hidl_string {
   public:
