@@ -3,6 +3,7 @@
  */
 #include <vesksdk.h>
 
+#include "DevicePaths.h"
 #include "ServiceTrace.h"
 #include "TraceLines.h"
 #include "VeskDeviceManager.h"
@@ -13,9 +14,9 @@ namespace vesk::hardware::veskdevicemanager::implementation {
 Return<int32_t> VeskDeviceManager::setPQEnable(int32_t enable) {
     trace("setPQEnable", VESK_TRACE_LINE("setPQEnable"));
     if (enable == 1) {
-        vesk::platform::runCommand("test-systemcontrol --p 1 1");
+        vesk::platform::runCommand(vesk::platform::kPictureQualityOnCommand);
     } else if (enable == 0) {
-        vesk::platform::runCommand("test-systemcontrol --p 0 1");
+        vesk::platform::runCommand(vesk::platform::kPictureQualityOffCommand);
     }
     return bi_set_pq_state(enable);
 }
@@ -29,14 +30,12 @@ Return<int32_t> VeskDeviceManager::getPQEnable() {
 Return<int32_t> VeskDeviceManager::setHDREnable(int32_t enable) {
     trace("setHDREnable", VESK_TRACE_LINE("setHDREnable"));
     if (enable == 0) {
-        int status = vesk::platform::runCommand(
-                "/system/bin/test-systemcontrol -d sdr rgb,8bit 2160p60hz");
+        int status = vesk::platform::runCommand(vesk::platform::kSdrCommand);
         if (status != 0) vesk::log::error(kTag, "%s: set HDR Disable failed\n", "setHDREnable");
         return status;
     }
     if (enable == 1) {
-        int status = vesk::platform::runCommand(
-                "/system/bin/test-systemcontrol -d hdr 422,10bit 2160p60hz");
+        int status = vesk::platform::runCommand(vesk::platform::kHdrCommand);
         if (status != 0) vesk::log::error(kTag, "%s: set HDR Enable failed\n", "setHDREnable");
         return status;
     }

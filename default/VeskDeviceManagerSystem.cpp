@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include "BoardText.h"
+#include "DevicePaths.h"
 #include "ServiceTrace.h"
 #include "TraceLines.h"
 #include "VeskDeviceManager.h"
@@ -127,7 +128,7 @@ Return<int32_t> VeskDeviceManager::schedAdjustCpuFreq(const hidl_string& mode) {
 
 Return<int32_t> VeskDeviceManager::setSystemShutDown() {
     trace("setSystemShutDown", VESK_TRACE_LINE("setSystemShutDown"));
-    vesk::platform::runCommand("/system/bin/reboot -p");
+    vesk::platform::runCommand(vesk::platform::kPowerOffCommand);
     return 0;
 }
 

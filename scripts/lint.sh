@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Style and static checks:
 #   scripts/lint.sh          every C/C++ file is as clang-format (.clang-format) writes it, and
-#                            every Android.bp as bpfmt writes it
+#                            every Android.bp as bpfmt writes it, and the SELinux policy covers
+#                            every path, program and property the service uses on the board
 #   scripts/lint.sh --tidy   and clang-tidy (.clang-tidy) finds nothing in the service, the host
 #                            stand-ins, the simulated board and the tool (needs build/default)
 set -euo pipefail
@@ -20,6 +21,9 @@ if [ -n "$unformatted" ]; then
     bpfmt -d "${blueprints[@]}"
     exit 1
 fi
+
+echo "sepolicy: sepolicy/check_policy.py"
+python3 sepolicy/check_policy.py
 
 if [ "${1:-}" = "--tidy" ]; then
     mapfile -t units < <(git ls-files 'default/*.cpp' 'host/*.cpp' 'vesksdk/*.cpp' 'tools/*.cpp')

@@ -23,7 +23,7 @@ for preset in $presets; do
     ctest --preset "$preset" -j "$(nproc)" --timeout 300
     if [ "$preset" = default ]; then
         echo "=== default: each test program on its own, all its tests in one process, shuffled"
-        for program in build/default/bin/*_tests; do
+        for program in build/default/bin/*_tests build/default/bin/Vts*Test; do
             VESK_BOARD_JOURNAL= VESK_BOARD_SCRIPT= "$program" --gtest_shuffle --gtest_repeat=3 \
                 --gtest_brief=1
         done

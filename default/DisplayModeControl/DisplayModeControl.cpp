@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "CustomMode.h"
+#include "DevicePaths.h"
 #include "VeskLog.h"
 #include "VeskPlatform.h"
 
@@ -151,7 +152,7 @@ int DisplayModeControl::setHDMIOutputMode() {
     formatCustomMode(timing, euclid, mode);
     vesk::log::info(kTag, "%s\n", mode);
     // The mode tool runs before the new mode is stored, as the boot flow expects.
-    vesk::platform::runCommand("/vendor/bin/hdmimode 999p60hz");
+    vesk::platform::runCommand(vesk::platform::kSelectCustomModeCommand);
     // Written three times, whatever each outcome.
     for (int i = 0; i < 3; ++i) {
         if (env->updateValue(kCustomModeVar, mode) == 0) {

@@ -19,6 +19,7 @@
 
 #include <algorithm>
 
+#include "DevicePaths.h"
 #include "VeskPlatform.h"
 
 const char* PROFIX_UBOOTENV_VAR = "ubootenv.var.";
@@ -277,10 +278,8 @@ int Ubootenv::init() {
     if (hasExplicitDevice) {
         snprintf(devicePath, sizeof(devicePath), "%s", explicitDevice.c_str());
     } else {
-        static const char* const kDevices[] = {"/dev/nand_env", "/dev/block/env",
-                                               "/dev/block/by-name/env",
-                                               "/dev/block/by-name/ubootenv"};
-        constexpr int kMtdDevice = 3;
+        const auto& kDevices = vesk::platform::kEnvDevices;
+        constexpr int kMtdDevice = vesk::platform::kEnvMtdDevice;
         memset(devicePath, 0, sizeof(devicePath));
         int chosen = -1;
         for (int i = 0; i < 4; ++i) {
