@@ -2,7 +2,8 @@
 # Style and static checks:
 #   scripts/lint.sh          every C/C++ file is as clang-format (.clang-format) writes it, and
 #                            every Android.bp as bpfmt writes it, and the SELinux policy covers
-#                            every path, program and property the service uses on the board
+#                            every path, program and property the service uses on the board,
+#                            and every Android.bp module builds what its CMake target builds
 #   scripts/lint.sh --tidy   and clang-tidy (.clang-tidy) finds nothing in the service, the host
 #                            stand-ins, the simulated board and the tool (needs build/default)
 set -euo pipefail
@@ -24,6 +25,8 @@ fi
 
 echo "sepolicy: sepolicy/check_policy.py"
 python3 sepolicy/check_policy.py
+echo "Android.bp vs CMake: scripts/check_bp_parity.py"
+python3 scripts/check_bp_parity.py
 
 if [ "${1:-}" = "--tidy" ]; then
     mapfile -t units < <(git ls-files 'default/*.cpp' 'host/*.cpp' 'vesksdk/*.cpp' 'tools/*.cpp')

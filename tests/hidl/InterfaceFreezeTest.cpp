@@ -2,7 +2,6 @@
 // recorded, and the device build files must name what the host build produces.
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <sstream>
 
 #include "TestRoot.h"
@@ -61,19 +60,6 @@ TEST(DeviceBuildFilesTest, NamesAgreeWithTheHostBuild) {
     EXPECT_NE(std::string::npos, xml.find("<version>1.0</version>"));
     EXPECT_NE(std::string::npos, xml.find("<name>IVeskDeviceManager</name>"));
     EXPECT_NE(std::string::npos, xml.find("<instance>default</instance>"));
-}
-
-// Every source of the host's service library is built on the device too.
-TEST(DeviceBuildFilesTest, DeviceLibraryBuildsEveryServiceSource) {
-    std::string bp = readFile(kSource + "/default/Android.bp");
-    std::string hostList = readFile(kSource + "/default/CMakeLists.txt") +
-                           readFile(kSource + "/default/DisplayModeControl/CMakeLists.txt");
-    std::regex source(R"(([A-Za-z]+)\.cpp)");
-    for (auto it = std::sregex_iterator(hostList.begin(), hostList.end(), source);
-         it != std::sregex_iterator(); ++it) {
-        std::string file = (*it)[1].str() + ".cpp";
-        EXPECT_NE(std::string::npos, bp.find(file + "\"")) << file << " missing from Android.bp";
-    }
 }
 
 }  // namespace
