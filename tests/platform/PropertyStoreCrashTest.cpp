@@ -15,6 +15,7 @@
 #include <random>
 #include <string>
 
+#include "ChildProcess.h"
 #include "TestRoot.h"
 #include "vesk/host/DeviceRoot.h"
 #include "vesk/host/Properties.h"
@@ -25,23 +26,6 @@ namespace {
 using PropertyStoreCrashTest = RootTest;
 
 constexpr auto kReaderBound = std::chrono::milliseconds(10);
-
-// Runs `body` in a child process; its exit status, or -1 when it did not end within five seconds
-// (it is killed then) or ended by a signal.
-int runInChild(const std::function<int()>& body) {
-    pid_t pid = fork();
-    if (pid == 0) _exit(body());
-    for (int waited = 0; waited < 5000; ++waited) {
-        int status = 0;
-        if (waitpid(pid, &status, WNOHANG) == pid) {
-            return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        }
-        usleep(1000);
-    }
-    kill(pid, SIGKILL);
-    waitpid(pid, nullptr, 0);
-    return -1;
-}
 
 // Reads `name` as a fresh process would; 0 when the value is one of `accepted` and the read took
 // less than the bound, 2 when every try was slower, 3 for another value.
@@ -102,13 +86,13 @@ TEST_F(PropertyStoreCrashTest, OddSerialLeftByAKilledWriterStopsNoReaderAndIsRep
     // A writer of the former layout died between the two stores of the serial.
     pokeWord(storePath(root), serial, peekWord(storePath(root), serial) | 1u);
 
-    EXPECT_EQ(0, runInChild([&] { return readWithinBound(name, {"before", "unset"}); }));
-    EXPECT_EQ(0, runInChild([&] {
+    EXPECT_EQ(0, exitStatusInChild([&] { return readWithinBound(name, {"before", "unset"}); }));
+    EXPECT_EQ(0, exitStatusInChild([&] {
                   if (property_set(name.c_str(), "after") != 0) return 4;
                   return readWithinBound(name, {"after"});
               }));
-    EXPECT_EQ(0, runInChild([&] { return readWithinBound(name, {"after"}); }));
-    EXPECT_EQ(0, runInChild([&] {
+    EXPECT_EQ(0, exitStatusInChild([&] { return readWithinBound(name, {"after"}); }));
+    EXPECT_EQ(0, exitStatusInChild([&] {
                   return vesk::host::listProperties().find(name + "=after\n") != std::string::npos
                                  ? 0
                                  : 5;
@@ -123,16 +107,13 @@ void killAtStep(int step) {
 
 // Kills a writer of `value` at `step`; true when it died by SIGKILL.
 bool killWriterAt(const std::string& name, const std::string& value, int step) {
-    pid_t pid = fork();
-    if (pid == 0) {
-        gKillAtStep = step;
-        vesk::host::setPropertyWriteHook(killAtStep);
-        property_set(name.c_str(), value.c_str());
-        _exit(0);  // the hook was not reached
-    }
-    int status = 0;
-    waitpid(pid, &status, 0);
-    return WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
+    ChildEnd end = Child([&] {
+                       gKillAtStep = step;
+                       vesk::host::setPropertyWriteHook(killAtStep);
+                       property_set(name.c_str(), value.c_str());
+                       return 0;  // the hook was not reached
+                   }).wait();
+    return end.signal == SIGKILL;
 }
 
 TEST_F(PropertyStoreCrashTest, UpdateKilledAtEveryStepLeavesTheLastCompleteValue) {
@@ -141,8 +122,8 @@ TEST_F(PropertyStoreCrashTest, UpdateKilledAtEveryStepLeavesTheLastCompleteValue
         const std::string name = "persist.vesk.update." + std::to_string(step);
         setProperty(name, old);
         ASSERT_TRUE(killWriterAt(name, std::string(60, 'n'), step)) << step;
-        EXPECT_EQ(0, runInChild([&] { return readWithinBound(name, {old}); })) << step;
-        EXPECT_EQ(0, runInChild([&] {
+        EXPECT_EQ(0, exitStatusInChild([&] { return readWithinBound(name, {old}); })) << step;
+        EXPECT_EQ(0, exitStatusInChild([&] {
                       if (property_set(name.c_str(), "repaired") != 0) return 4;
                       return readWithinBound(name, {"repaired"});
                   }))
@@ -155,7 +136,7 @@ TEST_F(PropertyStoreCrashTest, NewPropertyKilledAtEveryStepStaysUnsetUntilTheNex
     for (int step = 0; step <= 12; ++step) {
         const std::string name = "persist.vesk.fresh." + std::to_string(step);
         ASSERT_TRUE(killWriterAt(name, "first", step)) << step;
-        EXPECT_EQ(0, runInChild([&] { return readWithinBound(name, {"unset"}); })) << step;
+        EXPECT_EQ(0, exitStatusInChild([&] { return readWithinBound(name, {"unset"}); })) << step;
         setProperty(name, "second");
         EXPECT_EQ("second", getProperty(name)) << step;
     }
@@ -168,14 +149,14 @@ TEST_F(PropertyStoreCrashTest, WriterKilledAtARandomMomentNeverStopsAReader) {
     setProperty(name, a);
     std::mt19937 random(12345);
     for (int round = 0; round < 20; ++round) {
-        pid_t pid = fork();
-        if (pid == 0) {
+        Child writer([&] {
             for (unsigned i = 0;; ++i) property_set(name.c_str(), (i % 2 ? a : b).c_str());
-        }
+            return 0;
+        });
         usleep(200 + random() % 5000);
-        kill(pid, SIGKILL);
-        waitpid(pid, nullptr, 0);
-        EXPECT_EQ(0, runInChild([&] { return readWithinBound(name, {a, b}); })) << round;
+        writer.kill();
+        writer.wait();
+        EXPECT_EQ(0, exitStatusInChild([&] { return readWithinBound(name, {a, b}); })) << round;
     }
 }
 
@@ -216,7 +197,7 @@ TEST_F(PropertyStoreCrashTest, DamagedStoreFileNeverCrashesOrStopsAReader) {
         setProperty("persist.vesk.kept.1", "one");
         setProperty("persist.vesk.kept.2", "two");
         damage.apply(file);
-        EXPECT_EQ(0, runInChild([&] {
+        EXPECT_EQ(0, exitStatusInChild([&] {
                       // A process that starts now: it maps the damaged file afresh (a process that had
                       // mapped it before it was cut short would get SIGBUS from the kernel on access).
                       vesk::host::setDeviceRoot(fresh.path(), false);
@@ -258,7 +239,7 @@ TEST_F(PropertyStoreCrashTest, StoreOfTheFirstLayoutKeepsItsCompleteProperties) 
     put(700, 6, "persist.vesk.custom.mode", "1920x1080p60hz");
     put(701, 5, "persist.vesk.torn", "half");  // its writer died mid-value
     writeFile(storePath(fresh), image);
-    EXPECT_EQ(0, runInChild([&] {
+    EXPECT_EQ(0, exitStatusInChild([&] {
                   vesk::host::setDeviceRoot(fresh.path(), false);
                   if (readWithinBound("persist.vesk.device.log.level", {"D"}) != 0) return 1;
                   if (readWithinBound("persist.vesk.custom.mode", {"1920x1080p60hz"}) != 0)

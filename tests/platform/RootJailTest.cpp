@@ -17,6 +17,7 @@
 #include <string>
 
 #include "BuiltProgram.h"
+#include "ChildProcess.h"
 #include "TestRoot.h"
 #include "Ubootenv.h"
 #include "VeskPlatform.h"
@@ -282,9 +283,9 @@ std::vector<std::string> temporariesIn(const std::string& dir) {
 }
 
 pid_t deadPid() {
-    pid_t pid = fork();
-    if (pid == 0) _exit(0);
-    waitpid(pid, nullptr, 0);
+    Child child([] { return 0; });
+    pid_t pid = child.pid();
+    child.wait();
     return pid;
 }
 
@@ -308,13 +309,13 @@ TEST_F(RootTemporaryTest, BoardStateWriterKilledMidWriteLeavesNoTemporaryAfterTh
     std::string dir = root / "/data/vesksdk";
     bi_relay_set_state(0);
     for (int round = 0; round < 10; ++round) {
-        pid_t pid = fork();
-        if (pid == 0) {
+        Child writer([] {
             for (int i = 0;; ++i) bi_relay_set_state(i % 2);
-        }
+            return 0;
+        });
         usleep(2000 + 1000 * round);
-        kill(pid, SIGKILL);
-        waitpid(pid, nullptr, 0);
+        writer.kill();
+        writer.wait();
     }
     // The next writer changes the state, so that it writes the file.
     int next = 1 - bi_relay_get_state();
@@ -328,21 +329,17 @@ using ExistingRootTest = RootTest;
 
 TEST_F(ExistingRootTest, ReadersLeaveAMissingRootUnmade) {
     std::string missing = root.path() + "/not-yet";
-    pid_t pid = fork();
-    if (pid == 0) {
-        vesk::host::setDeviceRoot(missing, false);
-        char value[PROPERTY_VALUE_MAX];
-        property_get("persist.vesk.device.log.level", value, "E");
-        bool ok = std::string(value) == "E" && vesk::host::existingDeviceRoot().empty() &&
-                  access(missing.c_str(), F_OK) != 0;
-        ok = ok && property_set("persist.vesk.device.log.level", "D") == 0;
-        ok = ok && vesk::host::existingDeviceRoot() == missing;
-        property_get("persist.vesk.device.log.level", value, "E");
-        _exit(ok && std::string(value) == "D" ? 0 : 1);
-    }
-    int status = 0;
-    waitpid(pid, &status, 0);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    EXPECT_EQ(0, exitStatusInChild([&] {
+                  vesk::host::setDeviceRoot(missing, false);
+                  char value[PROPERTY_VALUE_MAX];
+                  property_get("persist.vesk.device.log.level", value, "E");
+                  bool ok = std::string(value) == "E" && vesk::host::existingDeviceRoot().empty() &&
+                            access(missing.c_str(), F_OK) != 0;
+                  ok = ok && property_set("persist.vesk.device.log.level", "D") == 0;
+                  ok = ok && vesk::host::existingDeviceRoot() == missing;
+                  property_get("persist.vesk.device.log.level", value, "E");
+                  return ok && std::string(value) == "D" ? 0 : 1;
+              }));
 }
 
 TEST_F(ExistingRootTest, ToolReadsWithoutMakingTheDefaultRoot) {

@@ -10,6 +10,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <string>
 
 #include "TestRoot.h"
@@ -44,17 +45,6 @@ void childLogger(const __android_logger_data* data, const char* message) {
     append("\x1e", 1);
 }
 
-size_t addressSpaceInUse() {
-    FILE* status = fopen("/proc/self/status", "re");
-    char line[256];
-    size_t kib = 0;
-    while (status != nullptr && fgets(line, sizeof(line), status) != nullptr) {
-        if (strncmp(line, "VmSize:", 7) == 0) kib = strtoull(line + 7, nullptr, 10);
-    }
-    if (status != nullptr) fclose(status);
-    return kib * 1024;
-}
-
 void writeAll(int fd, const void* data, size_t size) {
     const char* bytes = static_cast<const char*>(data);
     while (size > 0) {
@@ -69,8 +59,7 @@ ChildOutcome runInChild(const std::function<void()>& limit, const std::function<
     getProperty("persist.vendor.sc.log.level");  // the property store is open before the fork
     int pipeFds[2];
     EXPECT_EQ(0, pipe(pipeFds));
-    pid_t pid = fork();
-    if (pid == 0) {
+    Child child([&] {
         close(pipeFds[0]);
         gChildLogSize = 0;
         __android_log_set_logger(childLogger);
@@ -78,18 +67,17 @@ ChildOutcome runInChild(const std::function<void()>& limit, const std::function<
         int result = body();
         writeAll(pipeFds[1], &result, sizeof(result));
         writeAll(pipeFds[1], gChildLog, gChildLogSize);
-        _exit(0);
-    }
+        return 0;
+    });
     close(pipeFds[1]);
     std::string output;
     char buffer[65536];
     ssize_t n;
     while ((n = read(pipeFds[0], buffer, sizeof(buffer))) > 0) output.append(buffer, n);
     close(pipeFds[0]);
-    int status = 0;
-    EXPECT_EQ(pid, waitpid(pid, &status, 0));
+    ChildEnd end = child.wait();
     ChildOutcome outcome;
-    outcome.exited = WIFEXITED(status) && WEXITSTATUS(status) == 0 && output.size() >= 4;
+    outcome.exited = end.exited && end.code == 0 && output.size() >= 4;
     if (!outcome.exited) return outcome;
     memcpy(&outcome.result, output.data(), sizeof(outcome.result));
     size_t pos = sizeof(outcome.result);
@@ -106,14 +94,62 @@ ChildOutcome runInChild(const std::function<void()>& limit, const std::function<
 
 }  // namespace
 
-ChildOutcome runWithMemoryLimit(size_t headroom, const std::function<int()>& body) {
-    return runInChild(
-            [headroom] {
-                rlimit limit{};
-                limit.rlim_cur = limit.rlim_max = addressSpaceInUse() + headroom;
-                if (setrlimit(RLIMIT_AS, &limit) != 0) _exit(4);
-            },
-            body);
+Child::Child(const std::function<int()>& body) {
+    mPid = fork();
+    if (mPid == 0) _exit(body());
+    EXPECT_GT(mPid, 0) << "fork: " << strerror(errno);
+}
+
+Child::~Child() {
+    if (mPid > 0 && !mEnded) {
+        ::kill(mPid, SIGKILL);
+        waitpid(mPid, nullptr, 0);
+    }
+}
+
+void Child::kill() {
+    if (mPid > 0 && !mEnded) ::kill(mPid, SIGKILL);
+}
+
+namespace {
+
+ChildEnd endOf(int status) {
+    ChildEnd end;
+    end.exited = WIFEXITED(status);
+    end.code = end.exited ? WEXITSTATUS(status) : -1;
+    end.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+    return end;
+}
+
+}  // namespace
+
+bool Child::ended() {
+    if (mEnded || mPid <= 0) return true;
+    int status = 0;
+    pid_t waited = waitpid(mPid, &status, WNOHANG);
+    if (waited == 0) return false;
+    mEnded = true;
+    if (waited == mPid) mEnd = endOf(status);
+    return true;
+}
+
+ChildEnd Child::wait(std::chrono::milliseconds deadline) {
+    const auto until = std::chrono::steady_clock::now() + deadline;
+    while (!ended() && std::chrono::steady_clock::now() < until) usleep(1000);
+    if (!ended()) {
+        ::kill(mPid, SIGKILL);
+        int status = 0;
+        waitpid(mPid, &status, 0);
+        mEnded = true;
+        mEnd = endOf(status);
+        mEnd.timedOut = true;
+    }
+    return mEnd;
+}
+
+int exitStatusInChild(const std::function<int()>& body, std::chrono::milliseconds deadline) {
+    ChildEnd end = Child(body).wait(deadline);
+    return end.exited && !end.timedOut ? end.code : -1;
 }
 
 ChildOutcome runWithFileSizeLimit(size_t limit, const std::function<int()>& body) {

@@ -1,11 +1,11 @@
 // Two processes updating different variables at the same time while a third loads: every load
 // finds copy A valid (the savers hold the device alone), and both copies end valid.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <map>
 
+#include "ChildProcess.h"
 #include "EnvFixture.h"
 
 namespace vesk::test {
@@ -32,44 +32,36 @@ bool complete(const Ubootenv& env) {
     return values.size() <= factoryVariables().size() + 2;
 }
 
-pid_t startWriter(const std::string& name) {
-    pid_t pid = fork();
-    if (pid != 0) return pid;
+// A process that updates `name` kUpdates times, each time in a fresh load that must be
+// complete: its exit status is 0 when every load and update was.
+int writeRepeatedly(const std::string& name) {
     int failures = 0;
     for (int i = 0; i < kUpdates; ++i) {
         Ubootenv env;
         if (!complete(env)) ++failures;
         if (env.updateValue(name.c_str(), std::to_string(i).c_str()) != 0) ++failures;
     }
-    _exit(failures == 0 ? 0 : 1);
-}
-
-bool running(pid_t pid, int* status) {
-    return waitpid(pid, status, WNOHANG) == 0;
+    return failures == 0 ? 0 : 1;
 }
 
 using UbootenvConcurrencyTest = EnvTest;
 
 TEST_F(UbootenvConcurrencyTest, TwoWritersAndAReaderNeverSeeATornCopy) {
-    pid_t a = startWriter("ubootenv.var.writer_a");
-    pid_t b = startWriter("ubootenv.var.writer_b");
-    int statusA = -1;
-    int statusB = -1;
-    bool aRunning = true;
-    bool bRunning = true;
+    Child a([] { return writeRepeatedly("ubootenv.var.writer_a"); });
+    Child b([] { return writeRepeatedly("ubootenv.var.writer_b"); });
     int loads = 0;
     int incomplete = 0;
-    while (aRunning || bRunning) {
+    while (!a.ended() || !b.ended()) {
         Ubootenv env;
         ++loads;
         if (!complete(env)) ++incomplete;
-        if (aRunning) aRunning = running(a, &statusA);
-        if (bRunning) bRunning = running(b, &statusB);
     }
-    ASSERT_TRUE(WIFEXITED(statusA));
-    EXPECT_EQ(0, WEXITSTATUS(statusA));
-    ASSERT_TRUE(WIFEXITED(statusB));
-    EXPECT_EQ(0, WEXITSTATUS(statusB));
+    ChildEnd endA = a.wait();
+    ChildEnd endB = b.wait();
+    ASSERT_TRUE(endA.exited);
+    EXPECT_EQ(0, endA.code);
+    ASSERT_TRUE(endB.exited);
+    EXPECT_EQ(0, endB.code);
     EXPECT_GT(loads, 0);
     EXPECT_EQ(0, incomplete);
     // No load ever had to fall back to copy B.
