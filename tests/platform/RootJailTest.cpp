@@ -264,6 +264,57 @@ TEST_P(RootJailTest, LinkedStandInToolIsNotRun) {
     EXPECT_NE(0, access(marker.c_str(), F_OK));
 }
 
+// A serial channel's link is the one name the board makes a symbolic link of: whatever was
+// planted at the name is replaced (never followed), and a link on the way to it is refused.
+TEST_P(RootJailTest, SerialLinkIsMadeBelowTheRootOnly) {
+    for (Plant plant : {Plant::SymlinkToFile, Plant::SymlinkToMissingFile,
+                        Plant::SymlinkToDirectory, Plant::SymlinkOnTheWay, Plant::HardLink}) {
+        SCOPED_TRACE(plantName(plant));
+        TempRoot fresh;
+        Outside outside;
+        const std::string link = fresh / "/dev/ttyVESK485";
+        writeFile(link, "planted\n");  // a hard link replaces this
+        plantLink(fresh, outside, {"/dev/ttyVESK485", false, nullptr, nullptr}, plant);
+        if (HasFatalFailure()) return;
+        auto before = outside.snapshot();
+        int opened = bi_serial_485_open(9600, 8, 1, 0);
+        if (plant == Plant::SymlinkOnTheWay) {
+            EXPECT_EQ(-1, opened);
+        } else {
+            ASSERT_EQ(0, opened);
+            std::error_code error;
+            EXPECT_TRUE(fs::is_symlink(link));
+            EXPECT_EQ(0u, fs::read_symlink(link, error).string().rfind("/dev/pts/", 0));
+            EXPECT_EQ(0, bi_serial_485_close());
+            EXPECT_FALSE(fs::exists(fs::symlink_status(link)));
+        }
+        EXPECT_EQ(before, outside.snapshot());
+    }
+}
+
+// The board reads its state through the jail as well: a planted link is not followed, and the
+// board starts from its defaults with one line saying why.
+TEST_P(RootJailTest, BoardStateBehindAPlantedLinkIsNeitherReadNorWritten) {
+    ASSERT_EQ(0, bi_relay_set_state(1));
+    ASSERT_EQ(1, bi_relay_get_state());
+    Outside outside;
+    const std::string state = root / "/data/vesksdk/state.json";
+    writeFile(outside.path() + "/file", readFile(state));
+    ASSERT_EQ(0, unlink(state.c_str()));
+    ASSERT_EQ(0, symlink((outside.path() + "/file").c_str(), state.c_str()));
+    auto before = outside.snapshot();
+
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(0, bi_relay_get_state());
+    std::string err = testing::internal::GetCapturedStderr();
+    EXPECT_EQ("vesksdk: cannot read " + state + ": " + strerror(ELOOP) + "; read as empty\n", err);
+
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(-1, bi_relay_set_state(1));
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(before, outside.snapshot());
+}
+
 INSTANTIATE_TEST_SUITE_P(Resolution, RootJailTest, testing::Values(false, true),
                          [](const testing::TestParamInfo<bool>& info) {
                              return info.param ? std::string("ComponentWalk")

@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <vector>
@@ -352,6 +353,78 @@ bool replaceFileBelowRoot(const std::string& root, const std::string& path,
     }
     fsync(dir.get());  // the rename itself reaches the disk with the directory
     return true;
+}
+
+bool readFileBelowRoot(const std::string& root, const std::string& path, std::string& content) {
+    Fd fd(openBelowRoot(root, path, O_RDONLY));
+    if (fd.get() < 0) return false;
+    content.clear();
+    char buffer[65536];
+    for (;;) {
+        ssize_t n = read(fd.get(), buffer, sizeof(buffer));
+        if (n < 0 && errno == EINTR) continue;
+        if (n < 0) return false;
+        if (n == 0) return true;
+        content.append(buffer, static_cast<size_t>(n));
+    }
+}
+
+namespace {
+
+// The directory holding `path`, opened through the jail, and the name in it.
+Fd openParentBelowRoot(const std::string& root, const std::string& path, std::string& name) {
+    std::vector<std::string> parts = components(path);
+    if (parts.empty()) {
+        errno = EISDIR;
+        return Fd();
+    }
+    name = parts.back();
+    return Fd(openBelowRoot(root, join(parts, parts.size() - 1), O_RDONLY | O_DIRECTORY));
+}
+
+std::string readLinkAt(int dirFd, const std::string& name) {
+    std::vector<char> buffer(PATH_MAX);
+    ssize_t length = readlinkat(dirFd, name.c_str(), buffer.data(), buffer.size());
+    if (length < 0) return std::string();
+    if (static_cast<size_t>(length) == buffer.size()) {
+        errno = ENAMETOOLONG;
+        return std::string();
+    }
+    return std::string(buffer.data(), static_cast<size_t>(length));
+}
+
+}  // namespace
+
+bool publishLinkBelowRoot(const std::string& root, const std::string& path,
+                          const std::string& target) {
+    std::string name;
+    Fd dir(openParentBelowRoot(root, path, name));
+    if (dir.get() < 0) return false;
+    removeStaleTemporaries(dir.get(), name);
+    const std::string temporary = name + ".tmp." + std::to_string(getpid());
+    if (symlinkat(target.c_str(), dir.get(), temporary.c_str()) != 0) return false;
+    if (renameat(dir.get(), temporary.c_str(), dir.get(), name.c_str()) != 0) {
+        int saved = errno;
+        unlinkat(dir.get(), temporary.c_str(), 0);
+        errno = saved;
+        return false;
+    }
+    return true;
+}
+
+std::string readLinkBelowRoot(const std::string& root, const std::string& path) {
+    std::string name;
+    Fd dir(openParentBelowRoot(root, path, name));
+    if (dir.get() < 0) return std::string();
+    return readLinkAt(dir.get(), name);
+}
+
+bool removeLinkBelowRoot(const std::string& root, const std::string& path,
+                         const std::string& target) {
+    std::string name;
+    Fd dir(openParentBelowRoot(root, path, name));
+    if (dir.get() < 0 || readLinkAt(dir.get(), name) != target) return false;
+    return unlinkat(dir.get(), name.c_str(), 0) == 0;
 }
 
 bool appendToFileBelowRoot(const std::string& root, const std::string& path,

@@ -210,9 +210,14 @@ BoardState::Saved::Saved(BoardData& data) : mData(data) {
     mLoaded = savedState(data);
 }
 
-BoardState::Saved::~Saved() {
+bool BoardState::Saved::save() {
+    mSaved = true;
     nlohmann::json now = savedState(mData);
-    if (now != mLoaded) writeJsonFileAtomically(stateFilePath(), now);
+    return now == mLoaded || writeJsonFileAtomically(stateFilePath(), now);
+}
+
+BoardState::Saved::~Saved() {
+    if (!mSaved) save();
 }
 
 BoardState& BoardState::instance() {

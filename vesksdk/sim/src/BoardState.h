@@ -12,6 +12,7 @@
 #include <mutex>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "vesk/sim/StateFile.h"
@@ -64,12 +65,21 @@ class BoardState {
     static BoardState& instance();
 
     // Runs `action(data)` with the board locked, in this process and against every other
-    // process on the same root, on the state as saved; saves what the action changed.
+    // process on the same root, on the state as saved; saves what the action changed. A change
+    // that could not be saved is not kept: an action's success (a result of 0 or more) becomes
+    // the board's failure, -1; for an action with no result, with() says whether it was kept.
     template <class Action>
     auto with(Action&& action) {
         std::lock_guard<std::mutex> lock(mMutex);
         Saved saved(mData);
-        return action(mData);
+        if constexpr (std::is_void_v<std::invoke_result_t<Action, BoardData&>>) {
+            action(mData);
+            return saved.save();
+        } else {
+            auto result = action(mData);
+            if (!saved.save() && result >= 0) result = -1;
+            return result;
+        }
     }
 
     int value(const std::string& key);
@@ -81,12 +91,14 @@ class BoardState {
     int setIndexedValue(const char* key, long long index, long long value);
 
   private:
-    // Loads the saved state on construction and saves it on destruction if it changed, with the
-    // state file's lock held in between.
+    // Loads the saved state on construction and saves it if it changed, with the state file's
+    // lock held in between: save() says whether what changed reached the file (an action that
+    // throws still has its change saved on destruction).
     class Saved {
       public:
         explicit Saved(BoardData& data);
         ~Saved();
+        bool save();
         Saved(const Saved&) = delete;
         Saved& operator=(const Saved&) = delete;
 
@@ -94,6 +106,7 @@ class BoardState {
         BoardFileLock mLock;
         BoardData& mData;
         nlohmann::json mLoaded;
+        bool mSaved = false;
     };
 
     std::mutex mMutex;

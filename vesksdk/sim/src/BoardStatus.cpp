@@ -1,25 +1,21 @@
 #include "vesk/sim/BoardStatus.h"
 
-#include <limits.h>
-#include <unistd.h>
-
 #include "vesk/host/DeviceRoot.h"
+#include "vesk/host/RootFiles.h"
 #include "vesk/sim/StateFile.h"
 
 namespace vesk::sim {
 
-std::string serialLinkPath(std::size_t channel) {
-    return vesk::host::pathBelowRoot(vesk::host::deviceRoot(),
-                                     std::string("/dev/") + kSerialLinkNames[channel]);
+std::string serialLinkDevicePath(std::size_t channel) {
+    return std::string("/dev/") + kSerialLinkNames[channel];
 }
 
 std::vector<SerialLink> serialLinks() {
     std::vector<SerialLink> links;
+    const std::string root = vesk::host::deviceRoot();
     for (std::size_t channel = 0; channel < kSerialChannelCount; ++channel) {
-        char target[PATH_MAX];
-        ssize_t length = readlink(serialLinkPath(channel).c_str(), target, sizeof(target) - 1);
-        if (length < 0) continue;
-        links.push_back({kSerialLinkNames[channel], std::string(target, length)});
+        std::string target = vesk::host::readLinkBelowRoot(root, serialLinkDevicePath(channel));
+        if (!target.empty()) links.push_back({kSerialLinkNames[channel], target});
     }
     return links;
 }

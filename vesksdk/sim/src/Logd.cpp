@@ -32,8 +32,7 @@ int bi_vesk_logd_set_configure(void* record) {
                 vesk_log_record log;
                 memcpy(&log, record, sizeof(log));
                 if (!wellFormed(log)) return -1;
-                vesk::sim::board().with([&](BoardData& data) { data.log = log; });
-                return 0;
+                return vesk::sim::board().with([&](BoardData& data) { data.log = log; }) ? 0 : -1;
             });
 }
 

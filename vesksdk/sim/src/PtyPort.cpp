@@ -10,30 +10,13 @@
 #include <algorithm>
 #include <chrono>
 #include <climits>
-#include <vector>
+
+#include "vesk/host/RootFiles.h"
 
 namespace vesk::sim {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-std::string linkTarget(const std::string& path) {
-    std::vector<char> buffer(PATH_MAX);
-    ssize_t length = readlink(path.c_str(), buffer.data(), buffer.size() - 1);
-    return length < 0 ? std::string() : std::string(buffer.data(), static_cast<size_t>(length));
-}
-
-// Points `linkPath` at `target` in one step, replacing a link left by an earlier process.
-bool publishLink(const std::string& target, const std::string& linkPath) {
-    const std::string temporary = linkPath + ".new." + std::to_string(getpid());
-    unlink(temporary.c_str());
-    if (symlink(target.c_str(), temporary.c_str()) != 0) return false;
-    if (rename(temporary.c_str(), linkPath.c_str()) != 0) {
-        unlink(temporary.c_str());
-        return false;
-    }
-    return true;
-}
 
 long long millisecondsUntil(Clock::time_point deadline) {
     auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
@@ -42,7 +25,8 @@ long long millisecondsUntil(Clock::time_point deadline) {
 
 }  // namespace
 
-std::shared_ptr<PtyPort> PtyPort::open(const termios& line, const std::string& linkPath) {
+std::shared_ptr<PtyPort> PtyPort::open(const termios& line, const std::string& root,
+                                       const std::string& linkPath) {
     std::shared_ptr<PtyPort> port(new PtyPort());
     port->mMaster = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
     if (port->mMaster < 0 || grantpt(port->mMaster) != 0 || unlockpt(port->mMaster) != 0) {
@@ -63,7 +47,9 @@ std::shared_ptr<PtyPort> PtyPort::open(const termios& line, const std::string& l
         cfgetospeed(&taken) != cfgetospeed(&line) || cfgetispeed(&taken) != cfgetispeed(&line)) {
         return nullptr;
     }
-    if (!publishLink(port->mPeerPath, linkPath)) return nullptr;
+    // Through the root's jail: a link planted on the way out of the root is refused.
+    if (!host::publishLinkBelowRoot(root, linkPath, port->mPeerPath)) return nullptr;
+    port->mRoot = root;
     port->mLinkPath = linkPath;
     return port;
 }
@@ -78,7 +64,7 @@ PtyPort::~PtyPort() {
 void PtyPort::close() {
     if (mClosed.exchange(true)) return;
     // Another process may have published its own port at the same place since.
-    if (!mLinkPath.empty() && linkTarget(mLinkPath) == mPeerPath) unlink(mLinkPath.c_str());
+    if (!mLinkPath.empty()) host::removeLinkBelowRoot(mRoot, mLinkPath, mPeerPath);
     if (mWake >= 0) {
         uint64_t one = 1;
         (void)!::write(mWake, &one, sizeof(one));

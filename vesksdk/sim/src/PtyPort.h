@@ -1,6 +1,7 @@
 /*
  * One open serial channel: a pseudo-terminal pair whose peer side is published as a symbolic
- * link (ROOT/dev/ttyVESK485 -> /dev/pts/N), so that any serial program can be the far end.
+ * link (ROOT/dev/ttyVESK485 -> /dev/pts/N, made through the root's jail), so that any serial
+ * program can be the far end.
  *
  * The simulator keeps the peer side open as well, so that the line stays usable (no hang-up,
  * no EIO) while no program is connected; what is written then waits in the line's buffer.
@@ -20,9 +21,10 @@ namespace vesk::sim {
 
 class PtyPort {
   public:
-    // Opens a pair with `line` applied and publishes its peer at `linkPath` (replacing what was
-    // there); null on failure, with nothing left behind.
-    static std::shared_ptr<PtyPort> open(const termios& line, const std::string& linkPath);
+    // Opens a pair with `line` applied and publishes its peer at the device path `linkPath`
+    // below `root` (replacing what was there); null on failure, with nothing left behind.
+    static std::shared_ptr<PtyPort> open(const termios& line, const std::string& root,
+                                         const std::string& linkPath);
     ~PtyPort();
     PtyPort(const PtyPort&) = delete;
     PtyPort& operator=(const PtyPort&) = delete;
@@ -49,7 +51,8 @@ class PtyPort {
     int mMaster = -1;
     int mPeer = -1;
     int mWake = -1;  // eventfd, readable once close() was called
-    std::string mPeerPath, mLinkPath;
+    std::string mPeerPath;
+    std::string mRoot, mLinkPath;  // the link: the device path mLinkPath below mRoot
     std::atomic<bool> mClosed{false};
 };
 

@@ -41,7 +41,8 @@ int bi_resolution_get_parameters_list(void* records) {
             });
 }
 
-// Makes the size and rate the current output mode; a zero among them is refused (status -1).
+// Makes the size and rate the current output mode; a zero among them, or a mode the board could
+// not keep, is refused (status -1).
 int bi_resolution_calculate_parameters(unsigned int width, unsigned int height, unsigned int fps,
                                        void* result) {
     return SimCall("bi_resolution_calculate_parameters", {width, height, fps, outputBuffer()})
@@ -49,12 +50,11 @@ int bi_resolution_calculate_parameters(unsigned int width, unsigned int height, 
             .run([&] {
                 if (!result) return -1;
                 vesk_resolution_record mode{width, height, fps, 1};
-                bool usable = width && height && fps;
-                if (usable) {
-                    vesk::sim::board().with([&](BoardData& data) { data.outputMode = mode; });
-                } else {
-                    mode.status = -1;
-                }
+                // A mode that could not be kept is not the current one.
+                bool usable =
+                        width && height && fps &&
+                        vesk::sim::board().with([&](BoardData& data) { data.outputMode = mode; });
+                if (!usable) mode.status = -1;
                 memcpy(result, &mode, sizeof(mode));
                 return usable ? 0 : -1;
             });

@@ -30,9 +30,9 @@ bool validTime(const unsigned int* time) {
 
 int setTimes(const unsigned int* time, Times BoardData::*times) {
     if (!time || !validTime(time)) return -1;
-    vesk::sim::board().with(
+    bool kept = vesk::sim::board().with(
             [&](BoardData& data) { std::copy_n(time, VESK_RTC_SET_WORDS, (data.*times).begin()); });
-    return 0;
+    return kept ? 0 : -1;
 }
 
 int getTimes(unsigned int* time, Times BoardData::*times) {

@@ -14,6 +14,7 @@
 #include "PtyPort.h"
 #include "SerialSettings.h"
 #include "SimCall.h"
+#include "vesk/host/DeviceRoot.h"
 #include "vesk/sim/BoardStatus.h"
 #include "vesksdk.h"
 
@@ -22,7 +23,7 @@ namespace {
 
 enum class SerialChannel { Rs485, Rs485Second, Rs232, Lora, Hdmi, Ttl, TtlSecond, Count };
 
-// Each channel's peer is published at serialLinkPath(channel).
+// Each channel's peer is published at serialLinkDevicePath(channel) below the device root.
 static_assert(kSerialChannelCount == static_cast<std::size_t>(SerialChannel::Count));
 
 class SerialPorts {
@@ -39,11 +40,11 @@ class SerialPorts {
     }
 
     int open(SerialChannel channel, const termios& line) {
-        const std::string link = serialLinkPath(index(channel));
+        const std::string root = host::deviceRoot();
         std::lock_guard<std::mutex> lock(mMutex);
         std::shared_ptr<PtyPort>& port = mPorts[index(channel)];
         if (port) port->close();
-        port = PtyPort::open(line, link);
+        port = PtyPort::open(line, root, serialLinkDevicePath(index(channel)));
         return port ? 0 : -1;
     }
 

@@ -8,8 +8,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <sstream>
 
 #include "vesk/host/DeviceRoot.h"
 #include "vesk/host/RootFiles.h"
@@ -70,11 +68,19 @@ BoardFileLock::~BoardFileLock() {
 }
 
 nlohmann::json readJsonFile(const std::string& path) {
-    std::ifstream in(path);
-    if (!in) return nlohmann::json::object();
-    std::stringstream text;
-    text << in.rdbuf();
-    nlohmann::json content = nlohmann::json::parse(text.str(), nullptr, false);
+    // Read through the root's jail: a link planted at the file or on its way is not followed.
+    std::string root = host::deviceRoot();
+    std::string devicePath = devicePathOf(root, path);
+    if (devicePath.empty()) errno = EXDEV;
+    std::string text;
+    if (devicePath.empty() || !host::readFileBelowRoot(root, devicePath, text)) {
+        if (errno != ENOENT) {
+            fprintf(stderr, "vesksdk: cannot read %s: %s; read as empty\n", path.c_str(),
+                    strerror(errno));
+        }
+        return nlohmann::json::object();
+    }
+    nlohmann::json content = nlohmann::json::parse(text, nullptr, false);
     if (!content.is_object()) {
         fprintf(stderr, "vesksdk: %s is not a JSON object; read as empty\n", path.c_str());
         return nlohmann::json::object();

@@ -44,6 +44,24 @@ bool existsBelowRoot(const std::string& root, const std::string& path);
 bool replaceFileBelowRoot(const std::string& root, const std::string& path,
                           const std::string& content, mode_t mode);
 
+// The whole content of the file (reached, like every file here, through no link); false with
+// errno set when it cannot be read.
+bool readFileBelowRoot(const std::string& root, const std::string& path, std::string& content);
+
+// Points the symbolic link `path` at `target` in one step: a temporary link "NAME.tmp.PID" beside
+// it is renamed over what has the name (a link there is replaced, never followed). Temporaries
+// that killed writers left beside it are removed first.
+bool publishLinkBelowRoot(const std::string& root, const std::string& path,
+                          const std::string& target);
+
+// What the symbolic link `path` points at; empty, with errno set, when it is not one.
+std::string readLinkBelowRoot(const std::string& root, const std::string& path);
+
+// Removes the symbolic link `path` if it still points at `target` (another writer may have
+// published its own link there since); true when it was removed.
+bool removeLinkBelowRoot(const std::string& root, const std::string& path,
+                         const std::string& target);
+
 // Appends `text` with one write(2) in O_APPEND mode, creating the file when missing.
 bool appendToFileBelowRoot(const std::string& root, const std::string& path,
                            const std::string& text, mode_t mode = 0644);

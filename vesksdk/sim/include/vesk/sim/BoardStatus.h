@@ -20,8 +20,8 @@ inline constexpr const char* kSerialLinkNames[] = {"ttyVESK485",  "ttyVESK485_2"
                                                    "ttyVESKTTL_2"};
 inline constexpr std::size_t kSerialChannelCount = std::size(kSerialLinkNames);
 
-// ROOT/dev/NAME of the channel's link.
-std::string serialLinkPath(std::size_t channel);
+// "/dev/NAME", the device path of the channel's link (below the device root).
+std::string serialLinkDevicePath(std::size_t channel);
 
 struct SerialLink {
     std::string name;    // kSerialLinkNames' entry

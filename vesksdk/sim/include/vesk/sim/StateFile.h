@@ -30,7 +30,8 @@ class BoardFileLock {
 };
 
 // The JSON object in `path`; an empty object when the file is missing. A file that is not a
-// JSON object is reported on stderr once and read as empty, as a board with a wiped store.
+// JSON object, or that cannot be read (a link planted at it or on its way below the device root
+// is not followed), is reported on stderr once and read as empty, as a board with a wiped store.
 nlohmann::json readJsonFile(const std::string& path);
 // Writes a temporary file beside `path`, flushes it to disk and renames it into place, so that
 // a reader sees the old or the new content, never a part; through the device root's jail, so
