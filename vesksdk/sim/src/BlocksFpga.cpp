@@ -78,10 +78,7 @@ int readAt(int fd, unsigned int offset, unsigned char* buffer, unsigned int leng
 
 // A fixed area's file, made (zero-filled to its size) on first use.
 int openArea(const char* name) {
-    blockDir();
-    int fd = host::openBelowRoot(host::deviceRoot(),
-                                 std::string(host::kBoardStateDir) + "/blocks/" + name,
-                                 O_RDWR | O_CREAT, 0644);
+    int fd = openBoardFile(std::string(host::kBoardStateDir) + "/blocks/" + name, O_RDWR | O_CREAT);
     if (fd < 0) {
         fprintf(stderr, "vesksdk: cannot open block area %s: %s\n", name, strerror(errno));
         return -1;

@@ -29,12 +29,24 @@ std::string devicePathOf(const std::string& root, const std::string& path) {
     return path.substr(root.size());
 }
 
+std::string parentOf(const std::string& devicePath) {
+    return devicePath.substr(0, devicePath.rfind('/'));
+}
+
 }  // namespace
 
-std::string boardDir() {
+int openBoardFile(const std::string& devicePath, int flags, mode_t mode) {
     std::string root = host::deviceRoot();
-    makeDirectory(root, host::kBoardStateDir);
-    return host::pathBelowRoot(root, host::kBoardStateDir);
+    int fd = host::openBelowRoot(root, devicePath, flags, mode);
+    if (fd < 0 && errno == ENOENT && (flags & O_CREAT) != 0) {
+        makeDirectory(root, parentOf(devicePath));
+        fd = host::openBelowRoot(root, devicePath, flags, mode);
+    }
+    return fd;
+}
+
+std::string boardDir() {
+    return host::pathBelowRoot(host::deviceRoot(), host::kBoardStateDir);
 }
 
 std::string stateFilePath() {
@@ -45,16 +57,9 @@ std::string productFilePath() {
     return boardDir() + "/product.json";
 }
 
-std::string blockDir() {
-    std::string root = host::deviceRoot();
-    makeDirectory(root, std::string(host::kBoardStateDir) + "/blocks");
-    return host::pathBelowRoot(root, std::string(host::kBoardStateDir) + "/blocks");
-}
-
 BoardFileLock::BoardFileLock() {
     std::string path = boardDir() + "/state.lock";
-    mFd = host::openBelowRoot(host::deviceRoot(), std::string(host::kBoardStateDir) + "/state.lock",
-                              O_RDWR | O_CREAT, 0644);
+    mFd = openBoardFile(std::string(host::kBoardStateDir) + "/state.lock", O_RDWR | O_CREAT);
     if (mFd < 0) {
         fprintf(stderr, "vesksdk: cannot open %s: %s\n", path.c_str(), strerror(errno));
         return;
@@ -97,7 +102,13 @@ bool writeJsonFileAtomically(const std::string& path, const nlohmann::json& cont
     std::string root = host::deviceRoot();
     std::string devicePath = devicePathOf(root, path);
     if (devicePath.empty()) errno = EXDEV;
-    if (devicePath.empty() || !host::replaceFileBelowRoot(root, devicePath, text + "\n", 0644)) {
+    bool written =
+            !devicePath.empty() && host::replaceFileBelowRoot(root, devicePath, text + "\n", 0644);
+    if (!written && !devicePath.empty() && errno == ENOENT) {  // a fresh root: its folder is made
+        makeDirectory(root, parentOf(devicePath));
+        written = host::replaceFileBelowRoot(root, devicePath, text + "\n", 0644);
+    }
+    if (!written) {
         fprintf(stderr, "vesksdk: cannot write %s: %s\n", path.c_str(), strerror(errno));
         return false;
     }

@@ -5,16 +5,22 @@
  */
 #pragma once
 
+#include <sys/types.h>
+
 #include <nlohmann/json.hpp>
 #include <string>
 
 namespace vesk::sim {
 
-// ROOT/data/vesksdk, created when missing.
+// ROOT/data/vesksdk and the board's files in it. The folders are made by the first write of a
+// file in them (a fresh root), not by asking for a path.
 std::string boardDir();
 std::string stateFilePath();    // ROOT/data/vesksdk/state.json
 std::string productFilePath();  // ROOT/data/vesksdk/product.json
-std::string blockDir();         // ROOT/data/vesksdk/blocks, created when missing
+
+// Opens the board's file at `devicePath` (below the device root, through its jail); with
+// O_CREAT, its folders are made when missing and the open is tried once more. -1 with errno.
+int openBoardFile(const std::string& devicePath, int flags, mode_t mode = 0644);
 
 // An exclusive flock on ROOT/data/vesksdk/state.lock, held for the object's life. Taken around
 // every read-modify-write of the state file and the product description, by every process.
