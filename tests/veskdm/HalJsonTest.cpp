@@ -601,5 +601,13 @@ TEST(HalJsonNestingTest, BracketsInStringsAndEscapedQuotesDoNotCount) {
               std::string(100, '[') + "\"" + std::string(100, '{'));
 }
 
+// A NUL byte (never in a shell word, but a word is any bytes) does not end the count.
+TEST(HalJsonNestingTest, ANulByteDoesNotHideTheNestingAfterIt) {
+    std::string word = "[" + std::string(1, '\0') + nestedArrays(64) + "]";
+    EXPECT_EQ(nestingError(word), "JSON nested deeper than 64 levels");
+    std::string inString = "[\"" + std::string(1, '\0') + "\"," + nestedArrays(64) + "]";
+    EXPECT_EQ(nestingError(inString), "JSON nested deeper than 64 levels");
+}
+
 }  // namespace
 }  // namespace veskdm
