@@ -2,7 +2,9 @@
  * The interface contract any board's service must meet, for an integrator to run on the board
  * (VTS) and run here against the simulated board: every call answers with a transport-level
  * success, a method that reports through a callback calls it exactly once, results stay within
- * their documented ranges, and an output size computed on an allowed model reads back.
+ * their documented ranges, a state written back as it was read is kept, and an output size
+ * computed on an allowed model reads back. Nothing here switches power, the modem or the OPS
+ * slot, or reboots: the module must be safe to run on a board in use.
  */
 #include <gtest/gtest.h>
 #include <vesksdk_records.h>
@@ -22,10 +24,21 @@ using ::android::sp;
 using ::android::hardware::hidl_string;
 using ::android::hardware::hidl_vec;
 using ::android::hardware::Return;
+using ::android::hardware::Void;
 using namespace ::vesk::hardware::veskdevicemanager::V1_0;
 
 // The models whose output sizes the service computes itself (the board's records header).
 constexpr int kComputedModels[] = {VESK_COMPUTED_MODELS};
+
+// A client's notification receiver, as an application registers it.
+class NotificationCounter : public IVeskDeviceCallback {
+  public:
+    Return<void> hwNotify(const MessageParcel& /*parcel*/) override {
+        ++notifications;
+        return Void();
+    }
+    int notifications = 0;
+};
 
 class VeskDeviceManagerTest : public ::testing::Test {
   protected:
@@ -107,8 +120,83 @@ TEST_F(VeskDeviceManagerTest, EveryRecordGetterCallsBackExactlyOnce) {
     EXPECT_EQ(1, count);
 }
 
-// The EDID of a standard mode is one or two 128-byte blocks, or none where the board has none.
-TEST_F(VeskDeviceManagerTest, EdidsAreWholeBlocks) {
+// The reserved entry points: hwInvoke never answers through its callback, hwRegistCallback takes
+// any receiver, a null one included, returns 0 and sends it nothing.
+TEST_F(VeskDeviceManagerTest, ReservedEntryPointsNeverCallBack) {
+    int answers = 0;
+    EXPECT_TRUE(manager().hwInvoke("status", [&](const hidl_string&) { ++answers; }).isOk());
+    EXPECT_EQ(0, answers);
+
+    Return<int32_t> withNull = manager().hwRegistCallback(nullptr);
+    ASSERT_TRUE(withNull.isOk());
+    EXPECT_EQ(0, static_cast<int32_t>(withNull));
+
+    sp<NotificationCounter> receiver = new NotificationCounter();
+    Return<int32_t> withReceiver = manager().hwRegistCallback(receiver);
+    ASSERT_TRUE(withReceiver.isOk());
+    EXPECT_EQ(0, static_cast<int32_t>(withReceiver));
+    EXPECT_EQ(0, receiver->notifications);
+}
+
+// Writing back the state a getter has just reported is accepted and keeps that state, on any
+// board. Only switches without side effects are tried (LEDs, relay, fan level, audio, picture
+// quality); a getter that reports a failure (a board without that part) is passed over.
+TEST_F(VeskDeviceManagerTest, AStateWrittenBackAsReadIsKept) {
+    using Getter = std::function<Return<int32_t>(IVeskDeviceManager&)>;
+    using Setter = std::function<Return<int32_t>(IVeskDeviceManager&, int32_t)>;
+    struct Switch {
+        const char* name;
+        Getter get;
+        Setter set;
+    };
+    const std::vector<Switch> switches = {
+            {"SysLedState", [](auto& m) { return m.getSysLedState(); },
+             [](auto& m, int32_t v) { return m.setSysLedState(v); }},
+            {"NetLedState", [](auto& m) { return m.getNetLedState(); },
+             [](auto& m, int32_t v) { return m.setNetLedState(v); }},
+            {"4gLedState", [](auto& m) { return m.get4gLedState(); },
+             [](auto& m, int32_t v) { return m.set4gLedState(v); }},
+            {"PositionLedState", [](auto& m) { return m.getPositionLedState(); },
+             [](auto& m, int32_t v) { return m.setPositionLedState(v); }},
+            {"SwitchLedState", [](auto& m) { return m.getSwitchLedState(); },
+             [](auto& m, int32_t v) { return m.setSwitchLedState(v); }},
+            {"RunningLedState", [](auto& m) { return m.getRunningLedState(); },
+             [](auto& m, int32_t v) { return m.setRunningLedState(v); }},
+            {"CloudLedState", [](auto& m) { return m.getCloudLedState(); },
+             [](auto& m, int32_t v) { return m.setCloudLedState(v); }},
+            {"UsbSubCardLedStatus", [](auto& m) { return m.getUsbSubCardLedStatus(); },
+             [](auto& m, int32_t v) { return m.setUsbSubCardLedStatus(v); }},
+            {"RelayState", [](auto& m) { return m.getRelayState(); },
+             [](auto& m, int32_t v) { return m.setRelayState(v); }},
+            {"FanSpeedLevel", [](auto& m) { return m.getFanSpeedLevel(); },
+             [](auto& m, int32_t v) { return m.setFanSpeedLevel(v); }},
+            {"HeadphonePowerState", [](auto& m) { return m.getHeadphonePowerState(); },
+             [](auto& m, int32_t v) { return m.setHeadphonePowerState(v); }},
+            {"PowerAmplifierState", [](auto& m) { return m.getPowerAmplifierState(); },
+             [](auto& m, int32_t v) { return m.setPowerAmplifierState(v); }},
+            {"PQEnable", [](auto& m) { return m.getPQEnable(); },
+             [](auto& m, int32_t v) { return m.setPQEnable(v); }},
+    };
+    int tried = 0;
+    for (const Switch& s : switches) {
+        Return<int32_t> before = s.get(manager());
+        ASSERT_TRUE(before.isOk()) << s.name;
+        const int32_t state = before;
+        if (state < 0) continue;
+        ++tried;
+        Return<int32_t> written = s.set(manager(), state);
+        ASSERT_TRUE(written.isOk()) << s.name;
+        EXPECT_LE(0, static_cast<int32_t>(written)) << s.name << " refused its own state " << state;
+        Return<int32_t> after = s.get(manager());
+        ASSERT_TRUE(after.isOk()) << s.name;
+        EXPECT_EQ(state, static_cast<int32_t>(after)) << s.name;
+    }
+    EXPECT_LT(0, tried) << "no switch of this board reports its state";
+}
+
+// An EDID from predefined settings is always the whole 256-byte buffer; one for given values is
+// the 256 bytes, or empty where the board has none.
+TEST_F(VeskDeviceManagerTest, EdidsAreTheWholeBufferOrNone) {
     int count = 0;
     hidl_vec<uint8_t> edid;
     EXPECT_TRUE(manager()
@@ -119,7 +207,41 @@ TEST_F(VeskDeviceManagerTest, EdidsAreWholeBlocks) {
                                         })
                         .isOk());
     EXPECT_EQ(1, count);
-    EXPECT_EQ(0u, edid.size() % 128) << edid.size();
+    EXPECT_TRUE(edid.size() == 0 || edid.size() == 256) << edid.size();
+
+    count = 0;
+    EXPECT_TRUE(manager()
+                        .getEdidFromDefined(0, 1920, 1080, 60.0f,
+                                            [&](const hidl_vec<uint8_t>& e) {
+                                                ++count;
+                                                edid = e;
+                                            })
+                        .isOk());
+    EXPECT_EQ(1, count);
+    EXPECT_EQ(256u, edid.size());
+}
+
+// An EDID that is not exactly 256 bytes never reaches the board: the timing is all zeros.
+TEST_F(VeskDeviceManagerTest, AnEdidOfAnotherSizeHasNoTiming) {
+    for (size_t size : {size_t{0}, size_t{128}, size_t{255}, size_t{257}}) {
+        hidl_vec<uint8_t> edid;
+        edid.resize(size);
+        for (size_t i = 0; i < size; ++i) edid[i] = static_cast<uint8_t>(i);
+        int count = 0;
+        VeskEffeResolution timing{1, 1, 1, 1};
+        EXPECT_TRUE(manager()
+                            .getResolutionByEdid(edid,
+                                                 [&](const VeskEffeResolution& r) {
+                                                     ++count;
+                                                     timing = r;
+                                                 })
+                            .isOk());
+        EXPECT_EQ(1, count) << size;
+        EXPECT_EQ(0u, timing.width) << size;
+        EXPECT_EQ(0u, timing.height) << size;
+        EXPECT_EQ(0u, timing.fps) << size;
+        EXPECT_EQ(0, timing.status) << size;
+    }
 }
 
 // Every listed output size is usable (status 1); the list is no longer than the board's record
