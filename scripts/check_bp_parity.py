@@ -61,6 +61,8 @@ DEVICE_ONLY = {
     "vesk.hardware.veskdevicemanager@1.0":
         "hidl_interface: the board's build generates the package; the host runs hidl-gen for "
         "its headers (interface/CMakeLists.txt)",
+    "vesk.hardware.veskdevicemanager@1.0-released-hash":
+        "genrule: the host runs its own command (scripts/run_genrule.py, tests/vts/CMakeLists.txt)",
     "vesk.hardware.veskdevicemanager@1.0-service":
         "the board's service host; on the host veskdm loads the -impl library itself",
 }

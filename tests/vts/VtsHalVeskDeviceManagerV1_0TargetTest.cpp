@@ -1,6 +1,7 @@
 /*
  * The interface contract any board's service must meet, for an integrator to run on the board
- * (VTS) and run here against the simulated board: every call answers with a transport-level
+ * (VTS) and run here against the simulated board: the service was built from the released
+ * interface, every call answers with a transport-level
  * success, a method that reports through a callback calls it exactly once, results stay within
  * their documented ranges, a state written back as it was read is kept, and an output size
  * computed on an allowed model reads back. Nothing here switches power, the modem or the OPS
@@ -10,17 +11,21 @@
 #include <vesksdk_records.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <string>
 #include <vector>
 
+#include "ReleasedInterfaceHash.h"
 #include "ServiceUnderTest.h"
 
 namespace vesk::vts {
 namespace {
 
 using ::android::sp;
+using ::android::hardware::hidl_array;
 using ::android::hardware::hidl_string;
 using ::android::hardware::hidl_vec;
 using ::android::hardware::Return;
@@ -47,6 +52,34 @@ class VeskDeviceManagerTest : public ::testing::Test {
 
     ServiceUnderTest service;
 };
+
+std::string hexOf(const hidl_array<uint8_t, 32>& hash) {
+    std::string hex;
+    for (size_t i = 0; i < hash.size(); ++i) {
+        char digits[3];
+        std::snprintf(digits, sizeof(digits), "%02x", hash[i]);
+        hex += digits;
+    }
+    return hex;
+}
+
+// The service was built from the released interface: its hash chain starts with the hash that
+// current.txt records for IVeskDeviceManager, so every method sits in its released slot, and
+// ends with the base interface's.
+TEST_F(VeskDeviceManagerTest, BuiltFromTheReleasedInterface) {
+    int count = 0;
+    hidl_vec<hidl_array<uint8_t, 32>> chain;
+    EXPECT_TRUE(manager()
+                        .getHashChain([&](const hidl_vec<hidl_array<uint8_t, 32>>& c) {
+                            ++count;
+                            chain = c;
+                        })
+                        .isOk());
+    EXPECT_EQ(1, count);
+    ASSERT_EQ(2u, chain.size());
+    EXPECT_EQ(VESK_RELEASED_HASH_IVESKDEVICEMANAGER, hexOf(chain[0]));
+    EXPECT_NE(hexOf(chain[0]), hexOf(chain[1]));
+}
 
 // Every getter without arguments that answers with a plain value: reading state changes none.
 TEST_F(VeskDeviceManagerTest, EveryStateGetterAnswers) {
