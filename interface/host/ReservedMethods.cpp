@@ -24,6 +24,9 @@ using ::android::hardware::Void;
 namespace {
 
 using Hash = hidl_array<uint8_t, 32>;
+static_assert(sizeof(VESK_HASH_IBASE) == 65 && sizeof(VESK_HASH_IVESKDEVICEMANAGER) == 65 &&
+                      sizeof(VESK_HASH_IVESKDEVICECALLBACK) == 65,
+              "a hash is 64 hex digits");
 
 int hexDigit(char c) {
     return c <= '9' ? c - '0' : c - 'a' + 10;
