@@ -1,0 +1,70 @@
+#!/usr/bin/env python3
+"""The board check: this project measured against an Android tree's own files.
+
+    scripts/board_check.py [TREE] [--repo DIR] [--gate NAME]...
+
+TREE is an Android 13 source tree, or the parts of one that the gates read (../shared/android13
+in CI). Without TREE (and without $VESK_ANDROID_TREE) it prints one line saying what it skipped
+and exits 0. The gates, in order:
+
+  headers    every source of every device module of the Android.bp files compiles against the
+             tree's libhidl, libhwbinder and libfmq headers with libc++, as the board compiles it
+  policy     the project's policy folders compile together with the tree's system/sepolicy as
+             the board build does, every neverallow enforced, full Treble
+  treble     no type of the full-Treble policy carries a *_violators attribute
+  contexts   every file_contexts is valid against the compiled policy; every type of the
+             hwservice and property contexts exists with the right attribute
+  vintf      the framework matrix fragment and the device manifest fragment name the same HAL
+
+A failed gate prints three lines (the gate, the file, the first violation) and the check exits 1.
+A missing tree, or one that lacks a folder a gate needs, is one line and status 2.
+"""
+import argparse
+import os
+import sys
+import tempfile
+import time
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parent))
+
+from boardcheck.common import BadTree, Context, GateFailure  # noqa: E402
+from boardcheck import gates as gate_table  # noqa: E402
+
+
+def main(argv):
+    parser = argparse.ArgumentParser(prog="board_check.py", description=__doc__.split("\n")[0])
+    parser.add_argument("tree", nargs="?", default=os.environ.get("VESK_ANDROID_TREE"))
+    parser.add_argument("--repo", default=str(Path(__file__).resolve().parent.parent))
+    parser.add_argument("--gate", action="append", choices=[name for name, _ in gate_table.GATES],
+                        help="run only this gate (and what it needs); may be repeated")
+    args = parser.parse_args(argv)
+
+    if not args.tree:
+        print("board check: skipped, no Android tree given (TREE or $VESK_ANDROID_TREE)")
+        return 0
+    tree = Path(args.tree)
+    selected = args.gate or [name for name, _ in gate_table.GATES]
+    try:
+        gate_table.check_tree(tree, selected)
+        with tempfile.TemporaryDirectory(prefix="vesk-board-check-") as work:
+            context = Context(repo=Path(args.repo).resolve(), tree=tree.resolve(), work=Path(work))
+            for name, gate in gate_table.GATES:
+                if name not in selected and name not in gate_table.needed_by(selected):
+                    continue
+                start = time.monotonic()
+                gate(context)
+                print(f"board check: {name}: passed ({time.monotonic() - start:.1f} s)")
+    except BadTree as problem:
+        print(f"board check: {problem}", file=sys.stderr)
+        return 2
+    except GateFailure as failure:
+        print(f"board check: gate {failure.gate} failed", file=sys.stderr)
+        print(f"board check: file {failure.file}", file=sys.stderr)
+        print(f"board check: {failure.violation}", file=sys.stderr)
+        return 1
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
