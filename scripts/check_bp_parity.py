@@ -59,8 +59,9 @@ DEVICE_ONLY = {
     "vesk.hardware.veskdevicemanager":
         "hidl_package_root: where the board's build finds the package's .hal files",
     "vesk.hardware.veskdevicemanager@1.0":
-        "hidl_interface: the board's build generates the package; the host runs hidl-gen for "
-        "its headers (interface/CMakeLists.txt)",
+        "hidl_interface: the board's build generates the package's C++ library (system and "
+        "vendor variants) and Java library; the host runs hidl-gen for its C++ headers and its "
+        "Java sources (interface/CMakeLists.txt)",
     "vesk.hardware.veskdevicemanager@1.0-released-hash":
         "genrule: the host runs its own command (scripts/run_genrule.py, tests/vts/CMakeLists.txt)",
     "vesk.hardware.veskdevicemanager@1.0-service":
