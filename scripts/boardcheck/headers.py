@@ -79,6 +79,7 @@ def read_modules(repo: Path):
         if here == Path("."):
             subfolders[:] = [s for s in subfolders
                              if not s.startswith(("build", ".")) and s != "out"]
+        subfolders.sort()
         if "Android.bp" not in files:
             continue
         bp = here / "Android.bp"
@@ -223,10 +224,14 @@ def check_headers(ctx, sources=None):
             raise ValueError(f"not a source of a device module: {sorted(unknown)}")
         units = [unit for unit in units if unit.source in wanted]
 
+    # The largest sources first, so that the longest compile does not start last.
+    order = sorted(units, key=lambda unit: -(ctx.repo / unit.source).stat().st_size)
     start = time.monotonic()
     with ThreadPoolExecutor(max_workers=JOBS) as pool:
-        results = list(pool.map(lambda unit: run(unit.command, cwd=ctx.repo), units))
-    for unit, result in zip(units, results):
+        results = dict(zip((unit.source for unit in order),
+                           pool.map(lambda unit: run(unit.command, cwd=ctx.repo), order)))
+    for unit in units:
+        result = results[unit.source]
         if result.returncode != 0:
             raise GateFailure("headers", unit.source, first_error(result.stderr))
     ctx.notes.append(f"headers: {len(units)} sources compiled in "
