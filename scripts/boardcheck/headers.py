@@ -202,6 +202,11 @@ def compile_units(ctx, modules, hidl_out: Path, objects: Path):
     return units
 
 
+def size(path: Path) -> int:
+    """A source's size; 0 for a missing one, whose compile says it is missing."""
+    return path.stat().st_size if path.is_file() else 0
+
+
 def first_error(text: str) -> str:
     for line in text.splitlines():
         if " error: " in line or line.startswith("error: "):
@@ -211,6 +216,14 @@ def first_error(text: str) -> str:
 
 def check_headers(ctx, sources=None):
     """Compiles every device source (or only those named in `sources`, repository paths)."""
+    try:
+        compile_sources(ctx, sources)
+    except FileNotFoundError as error:
+        raise GateFailure("headers", error.filename, "not installed (hidl-gen, clang++ with "
+                          "libc++)") from None
+
+
+def compile_sources(ctx, sources):
     modules = read_modules(ctx.repo)
     hidl_out = ctx.work / "hidl-headers"
     generate_hidl_headers(ctx, modules, hidl_out)
@@ -225,7 +238,7 @@ def check_headers(ctx, sources=None):
         units = [unit for unit in units if unit.source in wanted]
 
     # The largest sources first, so that the longest compile does not start last.
-    order = sorted(units, key=lambda unit: -(ctx.repo / unit.source).stat().st_size)
+    order = sorted(units, key=lambda unit: -size(ctx.repo / unit.source))
     start = time.monotonic()
     with ThreadPoolExecutor(max_workers=JOBS) as pool:
         results = dict(zip((unit.source for unit in order),
