@@ -13,7 +13,7 @@ from concurrent.futures import ThreadPoolExecutor
 from dataclasses import dataclass
 from pathlib import Path
 
-from check_bp_parity import blueprint_modules
+from check_bp_parity import blueprint_modules  # scripts/ is on the path of the driver and tests
 
 from .common import GateFailure, first_line, run
 
