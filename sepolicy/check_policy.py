@@ -1,18 +1,26 @@
 #!/usr/bin/env python3
-"""Checks the service's SELinux policy (sepolicy/vendor) against what the service does.
+"""Checks the service's SELinux policy (sepolicy/) against what the service does.
+
+A full-Treble board adds system_ext/public, system_ext/private and vendor; a board without full
+Treble adds without-full-treble too.
 
 - Every device path and every program of default/platform/DevicePaths.h, and every serial
   channel of the board (vesk/sim/BoardStatus.h, as /dev/NAME), is labelled by a file_contexts
   line (its regular expression matches the whole path). A program of /system is the platform's
-  to label (system_file): it needs the domain's grant to run system_file instead.
+  to label (system_file): only without-full-treble may grant the shell helper to run it, and no
+  other folder grants any domain of ours to run system_file.
+- The service runs nothing in its own domain: no file execute_no_trans (rx_file_perms,
+  x_file_perms) in its rules. Its shell (/vendor/bin/sh) runs in the shell helper's domain, and
+  the mode tool in its own, which alone writes the display mode node.
 - The service binary of default/Android.bp is labelled with the domain's _exec type, and the
   init .rc starts that binary.
 - hwservice_contexts names the interface.
 - Every property the service reads or sets has a property_contexts line.
 - The .rc runs the service as the user and in the groups that the policy's "# groups:" line of
-  hal_veskdevicemanager.te assumes.
+  vendor/hal_veskdevicemanager.te assumes.
 
-Usage: check_policy.py [REPO] [--policy DIR]. Prints each problem; exit 1 if there is any.
+Usage: check_policy.py [REPO] [--policy DIR] (DIR: the sepolicy folder). Prints each problem;
+exit 1 if there is any.
 """
 import argparse
 import re
@@ -20,7 +28,12 @@ import sys
 from pathlib import Path
 
 DOMAIN = "hal_veskdevicemanager_default"
+SHELL_DOMAIN = "vesk_hal_shell"
+MODE_TOOL_DOMAIN = "vesk_hdmimode"
 INTERFACE = "vesk.hardware.veskdevicemanager::IVeskDeviceManager"
+# The folders of a full-Treble board, and the one a board without full Treble adds.
+BOARD_FOLDERS = ["system_ext/public", "system_ext/private", "vendor"]
+WITHOUT_FULL_TREBLE = "without-full-treble"
 
 
 def c_strings(text):
@@ -49,9 +62,20 @@ def table_paths(repo):
     return found
 
 
+def folder_text(policy, folders, pattern):
+    return "\n".join(path.read_text() for folder in folders
+                     for path in sorted((policy / folder).glob(pattern)))
+
+
+def te_rules(policy, folders):
+    """The .te text of the folders, one statement per line, comments dropped."""
+    text = re.sub(r"#[^\n]*", "", folder_text(policy, folders, "*.te"))
+    return [" ".join(part.split()) for part in re.split(r";|(?<=\))\s*\n", text) if part.strip()]
+
+
 def file_contexts(policy):
     entries = []
-    for line in (policy / "file_contexts").read_text().splitlines():
+    for line in folder_text(policy, BOARD_FOLDERS, "file_contexts").splitlines():
         line = line.strip()
         if not line or line.startswith("#"):
             continue
@@ -75,7 +99,7 @@ def service_properties(repo):
 
 
 def property_covered(name, policy):
-    for line in (policy / "property_contexts").read_text().splitlines():
+    for line in folder_text(policy, BOARD_FOLDERS, "property_contexts").splitlines():
         fields = line.split()
         if len(fields) < 2 or fields[0].startswith("#"):
             continue
@@ -93,17 +117,61 @@ def rc_service(repo):
     return binary, user.group(1) if user else None, groups.group(1).split() if groups else []
 
 
-def check(repo, policy):
+EXECUTES = r"\b(rx_file_perms|x_file_perms|execute_no_trans)\b"
+
+
+def grants(rules, source, target, klass="file", perms=r"\w"):
+    """The allow rules of source on target:klass whose permissions match perms."""
+    pattern = re.compile(rf"^allow {source} {target}:{klass} .*{perms}")
+    return [rule for rule in rules if pattern.search(rule)]
+
+
+def check_domains(repo, policy, entries):
     problems = []
-    entries = file_contexts(policy)
-    te = (policy / "hal_veskdevicemanager.te").read_text()
-    runs_system = re.search(rf"allow {DOMAIN} system_file:file [^;]*rx_file_perms", te) is not None
+    board = te_rules(policy, BOARD_FOLDERS)
+    extra = te_rules(policy, [WITHOUT_FULL_TREBLE])
+    for rule in grants(board + extra, DOMAIN, r"\S+", perms=EXECUTES):
+        problems.append(f"the service runs a program in its own domain: {rule}")
+    if f"domain_auto_trans({DOMAIN}, vendor_shell_exec, {SHELL_DOMAIN})" not in board:
+        problems.append(f"the service's shell does not run in {SHELL_DOMAIN}")
+    for rule in grants(board, r"\S+", "system_file", perms=EXECUTES):
+        problems.append(f"a full-Treble board's policy runs programs of /system: {rule}")
+    runs_system = bool(grants(extra, SHELL_DOMAIN, "system_file", perms=EXECUTES))
+    for rule in board + extra:
+        violator = re.match(r"(?:typeattribute (\S+)|type (\S+),).*\b(\w+_violators)\b", rule)
+        if violator and (rule in board or (violator.group(1) or violator.group(2)) != SHELL_DOMAIN):
+            problems.append(f"a Treble violator outside without-full-treble's shell helper: {rule}")
+
     for path, what in table_paths(repo):
         if label_of(path, entries):
             continue
         if path.startswith("/system/") and runs_system:
             continue
         problems.append(f"{path} ({what}) has no file_contexts line")
+
+    header = (repo / "default/platform/DevicePaths.h").read_text()
+    tool = re.search(r'kSelectCustomModeCommand\[\]\s*=\s*"(\S+)', header)
+    node = re.search(r'kDisplayModeNode\[\]\s*=\s*"([^"]+)"', header)
+    tool_label = label_of(tool.group(1), entries) if tool else None
+    if tool_label and (f"domain_auto_trans({SHELL_DOMAIN}, {tool_label.split(':')[2]}, "
+                       f"{MODE_TOOL_DOMAIN})") not in board:
+        problems.append(f"{tool.group(1)} (the mode tool) does not run in {MODE_TOOL_DOMAIN}")
+    node_label = label_of(node.group(1), entries) if node else None
+    if node_label:
+        node_type = node_label.split(":")[2]
+        writes = r"\b(rw_file_perms|w_file_perms|write)\b"
+        if not grants(board, MODE_TOOL_DOMAIN, node_type, perms=writes):
+            problems.append(f"{node.group(1)} (the display mode node) is not written by "
+                            f"{MODE_TOOL_DOMAIN}")
+        for rule in grants(board, DOMAIN, node_type):
+            problems.append(f"the service itself has the display mode node: {rule}")
+    return problems
+
+
+def check(repo, policy):
+    entries = file_contexts(policy)
+    te = (policy / "vendor/hal_veskdevicemanager.te").read_text()
+    problems = check_domains(repo, policy, entries)
 
     bp = (repo / "default/Android.bp").read_text()
     service = re.search(r'cc_binary\s*\{[^}]*?name:\s*"([^"]+)"', bp, re.S).group(1)
@@ -114,7 +182,7 @@ def check(repo, policy):
     if rc_binary != binary:
         problems.append(f"the .rc starts {rc_binary}, not {binary}")
 
-    contexts = (policy / "hwservice_contexts").read_text().split()
+    contexts = folder_text(policy, BOARD_FOLDERS, "hwservice_contexts").split()
     if INTERFACE not in contexts:
         problems.append(f"hwservice_contexts does not name {INTERFACE}")
 
@@ -141,7 +209,7 @@ def main():
                         type=Path)
     parser.add_argument("--policy", type=Path)
     args = parser.parse_args()
-    policy = args.policy or args.repo / "sepolicy/vendor"
+    policy = args.policy or args.repo / "sepolicy"
     problems = check(args.repo, policy)
     for problem in problems:
         print(f"sepolicy: {problem}")

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """The policy check finds what it is there to find: each case breaks one thing in a copy of the
-tree's policy (or of its .rc) and expects the check to name it; the tree itself passes."""
+tree's policy folders (or of its .rc) and expects the check to name it; the tree itself passes."""
 import shutil
 import sys
 import tempfile
@@ -15,13 +15,14 @@ import check_policy  # noqa: E402
 class PolicyCheckTest(unittest.TestCase):
     def setUp(self):
         self.work = Path(tempfile.mkdtemp())
-        self.policy = self.work / "vendor"
-        shutil.copytree(REPO / "sepolicy/vendor", self.policy)
+        self.policy = self.work / "sepolicy"
+        shutil.copytree(REPO / "sepolicy", self.policy, ignore=shutil.ignore_patterns("*.py"))
 
     def tearDown(self):
         shutil.rmtree(self.work)
 
     def edit(self, name, old, new=""):
+        """Replaces old (which must be there) in the policy file name (e.g. vendor/file.te)."""
         path = self.policy / name
         text = path.read_text()
         self.assertIn(old, text)
@@ -34,34 +35,74 @@ class PolicyCheckTest(unittest.TestCase):
         self.assertEqual([], self.problems())
 
     def test_a_device_path_without_a_line_is_named(self):
-        self.edit("file_contexts", "/dev/block/env  ")
+        self.edit("vendor/file_contexts", "/dev/block/env  ")
         self.assertIn("/dev/block/env (kEnvDevices) has no file_contexts line", self.problems())
 
     def test_a_serial_channel_without_a_line_is_named(self):
-        self.edit("file_contexts", "|HDMI|", "|")
+        self.edit("vendor/file_contexts", "|HDMI|", "|")
         self.assertIn("/dev/ttyVESKHDMI (serial channel) has no file_contexts line",
                       self.problems())
 
     def test_platform_programs_need_the_grant_to_run_them(self):
-        self.edit("hal_veskdevicemanager.te",
-                  "allow hal_veskdevicemanager_default system_file:file rx_file_perms;\n")
+        self.edit("without-full-treble/vesk_hal_shell.te",
+                  "allow vesk_hal_shell system_file:file rx_file_perms;\n")
         found = self.problems()
         self.assertIn("/system/bin/reboot (program of kPowerOffCommand) has no file_contexts line",
                       found)
 
+    def test_a_full_treble_board_runs_no_platform_program(self):
+        rule = "allow vesk_hal_shell system_file:file rx_file_perms"
+        self.edit("vendor/vesk_hal_shell.te", "type vesk_hal_shell, domain;",
+                  f"type vesk_hal_shell, domain;\n{rule};")
+        self.assertIn(f"a full-Treble board's policy runs programs of /system: {rule}",
+                      self.problems())
+
+    def test_the_service_runs_nothing_in_its_own_domain(self):
+        rule = "allow hal_veskdevicemanager_default vesk_hdmimode_exec:file rx_file_perms"
+        self.edit("vendor/hal_veskdevicemanager.te", "# The serial channels.",
+                  f"{rule};\n# The serial channels.")
+        self.assertIn(f"the service runs a program in its own domain: {rule}", self.problems())
+
+    def test_the_shell_runs_in_the_helper_domain(self):
+        self.edit("vendor/hal_veskdevicemanager.te",
+                  "domain_auto_trans(hal_veskdevicemanager_default, vendor_shell_exec, "
+                  "vesk_hal_shell)")
+        self.assertIn("the service's shell does not run in vesk_hal_shell", self.problems())
+
+    def test_the_mode_tool_runs_and_writes_in_its_own_domain(self):
+        self.edit("vendor/vesk_hal_shell.te",
+                  "domain_auto_trans(vesk_hal_shell, vesk_hdmimode_exec, vesk_hdmimode)")
+        self.edit("vendor/vesk_hdmimode.te",
+                  "allow vesk_hdmimode sysfs_vesk_display:file rw_file_perms;",
+                  "allow hal_veskdevicemanager_default sysfs_vesk_display:file rw_file_perms;")
+        found = self.problems()
+        self.assertIn("/vendor/bin/hdmimode (the mode tool) does not run in vesk_hdmimode", found)
+        self.assertIn("/sys/class/display/mode (the display mode node) is not written by "
+                      "vesk_hdmimode", found)
+        self.assertIn("the service itself has the display mode node: allow "
+                      "hal_veskdevicemanager_default sysfs_vesk_display:file rw_file_perms",
+                      found)
+
+    def test_violators_stay_in_the_folder_without_full_treble(self):
+        rule = "typeattribute hal_veskdevicemanager_default vendor_executes_system_violators"
+        self.edit("vendor/hal_veskdevicemanager.te", "# The serial channels.",
+                  f"{rule};\n# The serial channels.")
+        self.assertIn(f"a Treble violator outside without-full-treble's shell helper: {rule}",
+                      self.problems())
+
     def test_an_unlabelled_service_binary_is_named(self):
-        self.edit("file_contexts", "u:object_r:hal_veskdevicemanager_default_exec:s0",
+        self.edit("vendor/file_contexts", "u:object_r:hal_veskdevicemanager_default_exec:s0",
                   "u:object_r:vendor_file:s0")
         self.assertIn("/vendor/bin/hw/vesk.hardware.veskdevicemanager@1.0-service (the service) "
                       "is not labelled hal_veskdevicemanager_default_exec", self.problems())
 
     def test_a_missing_interface_is_named(self):
-        (self.policy / "hwservice_contexts").write_text("")
+        (self.policy / "vendor/hwservice_contexts").write_text("")
         self.assertIn("hwservice_contexts does not name "
                       "vesk.hardware.veskdevicemanager::IVeskDeviceManager", self.problems())
 
     def test_a_property_without_a_line_is_named(self):
-        self.edit("property_contexts", "persist.vendor.sc.log.level", "persist.vendor.other")
+        self.edit("vendor/property_contexts", "persist.vendor.sc.log.level", "persist.vendor.other")
         self.assertIn("property persist.vendor.sc.log.level has no property_contexts line",
                       self.problems())
 
