@@ -16,7 +16,7 @@ namespace vesk::hardware::veskdevicemanager::implementation {
 
 namespace {
 
-constexpr char kTag[] = "vesk_system_DisplayModeControl";
+constexpr char kControlTag[] = "vesk_system_DisplayModeControl";
 constexpr char kCustomModeVar[] = "ubootenv.var.custom_mode";
 constexpr char kBestModeVar[] = "ubootenv.var.is.bestmode";
 constexpr char kHdmiModeVar[] = "ubootenv.var.hdmimode";
@@ -55,7 +55,7 @@ void boundedCopy(char (&buffer)[kCustomModeBufferSize], const char* text) {
 }  // namespace
 
 DisplayModeControl::DisplayModeControl() {
-    vesk::log::info(kTag, "DisplayModeControl construct\n");
+    vesk::log::info(kControlTag, "DisplayModeControl construct\n");
     if (!env) env = std::make_unique<Ubootenv>();
     if (!calculator) calculator = std::make_unique<VideoTimingCaculator>();
     allowList.clear();
@@ -81,33 +81,35 @@ int DisplayModeControl::verify(uint32_t modid, uint32_t width, uint32_t height,
         }
     }
     if (allow == nullptr) {
-        vesk::log::error(kTag, "%s device not defined", "verify");
+        vesk::log::error(kControlTag, "%s device not defined", "verify");
         return -1;
     }
-    vesk::log::info(kTag, "find device in allow list\n");
-    vesk::log::info(kTag, "allow.h_pixel_min:%d allow.h_pixel_max:%d\n", allow->h_pixel_min,
+    vesk::log::info(kControlTag, "find device in allow list\n");
+    vesk::log::info(kControlTag, "allow.h_pixel_min:%d allow.h_pixel_max:%d\n", allow->h_pixel_min,
                     allow->h_pixel_max);
-    vesk::log::info(kTag, "allow.v_pixel_min:%d allow.v_pixel_max:%d\n", allow->v_pixel_min,
+    vesk::log::info(kControlTag, "allow.v_pixel_min:%d allow.v_pixel_max:%d\n", allow->v_pixel_min,
                     allow->v_pixel_max);
     // 55 and 38 are fixed markers that the board's log readers look for.
     if (allow->h_pixel_min > width || allow->h_pixel_max < width || allow->v_pixel_min > height ||
         allow->v_pixel_max < height) {
-        vesk::log::error(kTag, "%s out of range %dx%d in line %d\n", "verify", width, height, 55);
+        vesk::log::error(kControlTag, "%s out of range %dx%d in line %d\n", "verify", width, height,
+                         55);
         return -1;
     }
     uint32_t area = width * height;  // wraps modulo 2^32 as the board's own check does
     if (area > allow->max_pixels) {
-        vesk::log::error(kTag, "%s out of range %dx%d in line %d\n", "verify", width, height, 38);
+        vesk::log::error(kControlTag, "%s out of range %dx%d in line %d\n", "verify", width, height,
+                         38);
         return -1;
     }
     width += width & 1;
     height += height & 1;
-    vesk::log::info(kTag, "%s update to %dx%d\n", "verify", width, height);
+    vesk::log::info(kControlTag, "%s update to %dx%d\n", "verify", width, height);
     calculator->calculateCvt(width, height, 60, 8, 3.0, "cvt_rb", false, false, false);
     timing_t timing = calculator->getCvtTiming();
     // The limit is compared as it stands (MHz against a value written in kHz).
     if (timing.pix_clock > static_cast<double>(allow->max_pix_clock)) {
-        vesk::log::error(kTag, "%s out of pix clock %dx%d\n", "verify", width, height);
+        vesk::log::error(kControlTag, "%s out of pix clock %dx%d\n", "verify", width, height);
         return -3;
     }
     return 1;
@@ -116,7 +118,7 @@ int DisplayModeControl::verify(uint32_t modid, uint32_t width, uint32_t height,
 bool DisplayModeControl::isAllowDevice(uint32_t modid, allow_list_t& row) {
     for (const allow_list_t& allow : allowList) {
         if (allow.modid == modid) {
-            vesk::log::info(kTag, "find device in allow list\n");
+            vesk::log::info(kControlTag, "find device in allow list\n");
             row = allow;
             return true;
         }
@@ -127,7 +129,7 @@ bool DisplayModeControl::isAllowDevice(uint32_t modid, allow_list_t& row) {
 int DisplayModeControl::getAspectRadio(int width, int height, int& num, int& den) {
     int g = gcd(width, height);
     if (g == 0) {
-        vesk::log::error(kTag, "%s error\n", "getAspectRadio");
+        vesk::log::error(kControlTag, "%s error\n", "getAspectRadio");
         return -1;
     }
     num = quotient(width, g);
@@ -144,54 +146,54 @@ timing_t DisplayModeControl::getCurrentOutputModeTiming() {
 }
 
 int DisplayModeControl::setHDMIOutputMode() {
-    vesk::log::info(kTag, "%s %d\n", "setHDMIOutputMode", 65);
+    vesk::log::info(kControlTag, "%s %d\n", "setHDMIOutputMode", 65);
     property_set("persist.vesk.custom.mode.enable", "1");
     calculator->dump();
     timing_t timing = calculator->getCvtTiming();
     char mode[kCustomModeBufferSize];
     formatCustomMode(timing, euclid, mode);
-    vesk::log::info(kTag, "%s\n", mode);
+    vesk::log::info(kControlTag, "%s\n", mode);
     // The mode tool runs before the new mode is stored, as the boot flow expects.
     vesk::platform::runCommand(vesk::platform::kSelectCustomModeCommand);
     // Written three times, whatever each outcome.
     for (int i = 0; i < 3; ++i) {
         if (env->updateValue(kCustomModeVar, mode) == 0) {
-            vesk::log::info(kTag, "updateValue ubootenv.var.custom_mode successful\n");
+            vesk::log::info(kControlTag, "updateValue ubootenv.var.custom_mode successful\n");
         } else {
-            vesk::log::error(kTag, "updateValue ubootenv.var.custom_mode error\n");
+            vesk::log::error(kControlTag, "updateValue ubootenv.var.custom_mode error\n");
         }
     }
     timing_t stored{};
     getHDMIOutputMode(stored);
     if (stored.h_active != timing.h_active || stored.v_active != timing.v_active) return -2;
     if (env->updateValue(kBestModeVar, "false") != 0) {
-        vesk::log::error(kTag, "updateValue ubootenv.var.is.bestmode error\n");
+        vesk::log::error(kControlTag, "updateValue ubootenv.var.is.bestmode error\n");
         return -2;
     }
-    vesk::log::info(kTag, "updateValue ubootenv.var.is.bestmode successful\n");
+    vesk::log::info(kControlTag, "updateValue ubootenv.var.is.bestmode successful\n");
     if (env->updateValue(kHdmiModeVar, kCustomHdmiMode) != 0) {
-        vesk::log::error(kTag, "updateValue ubootenv.var.hdmimode error\n");
+        vesk::log::error(kControlTag, "updateValue ubootenv.var.hdmimode error\n");
         return -2;
     }
-    vesk::log::info(kTag, "updateValue ubootenv.var.hdmimode successful\n");
+    vesk::log::info(kControlTag, "updateValue ubootenv.var.hdmimode successful\n");
     std::string applied = std::to_string(timing.h_active) + "x" + std::to_string(timing.v_active) +
                           "@" + std::to_string(timing.v_freq);
     property_set("persist.vesk.custom.mode", applied.c_str());
-    vesk::log::info(kTag, "setHDMIOutputMode success\n");
+    vesk::log::info(kControlTag, "setHDMIOutputMode success\n");
     return 1;
 }
 
 void DisplayModeControl::getHDMIOutputMode(timing_t& timing) {
-    vesk::log::info(kTag, "%s \n", "getHDMIOutputMode");
+    vesk::log::info(kControlTag, "%s \n", "getHDMIOutputMode");
     const char* value = env->getValue(kCustomModeVar);
     if (value == nullptr) {
-        vesk::log::error(kTag, "%s error\n", "getHDMIOutputMode");
+        vesk::log::error(kControlTag, "%s error\n", "getHDMIOutputMode");
         return;
     }
     if (strcmp(value, "0") == 0) {
         // No custom mode: the board's native 2160p60. The rate is in Hz here, while a stored
         // mode keeps mHz; readers divide as they always have.
-        vesk::log::warn(kTag, "%s custom_mode is null \n", "getHDMIOutputMode");
+        vesk::log::warn(kControlTag, "%s custom_mode is null \n", "getHDMIOutputMode");
         timing.h_active = 3840;
         timing.v_active = 2160;
         timing.v_freq = 60.0;
@@ -205,7 +207,7 @@ void DisplayModeControl::getHDMIOutputMode(timing_t& timing) {
     timing.h_active = atoi(tokens[8].c_str());
     timing.v_active = atoi(tokens[14].c_str());
     timing.v_freq = atoi(tokens[1].c_str());
-    vesk::log::info(kTag, "%s h_active:%d Pixels v_active:%d Pixels v_freq:%f hz\n",
+    vesk::log::info(kControlTag, "%s h_active:%d Pixels v_active:%d Pixels v_freq:%f hz\n",
                     "getHDMIOutputMode", timing.h_active, timing.v_active, timing.v_freq / 1000.0);
 }
 

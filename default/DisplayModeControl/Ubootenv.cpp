@@ -26,7 +26,7 @@ const char* PROFIX_UBOOTENV_VAR = "ubootenv.var.";
 
 namespace {
 
-constexpr char kTag[] = "Ubootenv";
+constexpr char kUbootenvTag[] = "Ubootenv";
 constexpr uint32_t kCopyBOffset = kEnvCopyBOffset;
 constexpr uint32_t kDefaultPartitionSize = 65536;
 constexpr uint32_t kCrcSize = 4;
@@ -49,12 +49,12 @@ const char* fileName(const char* path) {
 }  // namespace
 
 // Every line starts with the source file's name, the logging function and the source line.
-#define ENV_LOG(priority, format, ...)                                                      \
-    do {                                                                                    \
-        if (levelAllows(priority)) {                                                        \
-            __android_log_print(priority, kTag, "[%s, %s, %d] " format, fileName(__FILE__), \
-                                __func__, __LINE__, ##__VA_ARGS__);                         \
-        }                                                                                   \
+#define ENV_LOG(priority, format, ...)                                                  \
+    do {                                                                                \
+        if (levelAllows(priority)) {                                                    \
+            __android_log_print(priority, kUbootenvTag, "[%s, %s, %d] " format,         \
+                                fileName(__FILE__), __func__, __LINE__, ##__VA_ARGS__); \
+        }                                                                               \
     } while (0)
 #define ENV_LOGE(format, ...) ENV_LOG(ANDROID_LOG_ERROR, format, ##__VA_ARGS__)
 #define ENV_LOGI(format, ...) ENV_LOG(ANDROID_LOG_INFO, format, ##__VA_ARGS__)

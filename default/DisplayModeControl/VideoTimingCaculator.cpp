@@ -19,7 +19,7 @@
 namespace vesk::hardware::veskdevicemanager::implementation {
 namespace {
 
-constexpr char kTag[] = "vesk_system_VideoTimingCalculator";
+constexpr char kTimingTag[] = "vesk_system_VideoTimingCalculator";
 
 // Two doubles that are divided together (SSE2 on x86-64, NEON on the device).
 using Pair = double __attribute__((vector_size(16)));
@@ -157,7 +157,7 @@ void VideoTimingCaculator::calculateCvt(uint32_t hPixels, uint32_t vLines, uint3
     // Character cell: 8 pixels, or 2 when the width is not a whole number of cells.
     const uint32_t cell = hPixels % 8 == 0 ? 8 : 2;
     if (cell != 8) {
-        vesk::log::warn(kTag,
+        vesk::log::warn(kTimingTag,
                         "WARNING! Aspect Ratio Not CVT Standar!Horizontal Pixel Not Divisible by "
                         "8, Count Rounded to Nearest Character Cell\n");
     }
@@ -421,12 +421,12 @@ int VideoTimingCaculator::getMaxVFreq(uint32_t hPixels, uint32_t vLines, double 
         calculator.calculateCvt(hPixels, vLines, n, bitsPerComponent, componentsPerPixel, mode,
                                 margins, interlaced, videoOptimized);
         if (calculator.timing.pix_clock > maxPixClock) {
-            vesk::log::info(kTag, "%s %d\n", "getMaxVFreq", static_cast<int>(n));
+            vesk::log::info(kTimingTag, "%s %d\n", "getMaxVFreq", static_cast<int>(n));
             // Five below the first rate that is too fast, to stay clear of the limit.
             return static_cast<int>(n) - 5;
         }
     }
-    vesk::log::error(kTag, "%s to max freq %d exit!\n", "getMaxVFreq",
+    vesk::log::error(kTimingTag, "%s to max freq %d exit!\n", "getMaxVFreq",
                      static_cast<int>(kSearchBound));
     return -1;
 }
@@ -449,8 +449,9 @@ int VideoTimingCaculator::getMaxHPixs(uint32_t vLines, uint32_t refreshRate, dou
         calculator.calculateCvt(n, vLines, refreshRate, bitsPerComponent, componentsPerPixel, mode,
                                 margins, interlaced, videoOptimized);
         if (calculator.timing.pix_clock > maxPixClock) {
-            vesk::log::info(kTag, "%s %d current pixclock %.3f max pixclock %.3f\n", "getMaxHPixs",
-                            static_cast<int>(n), calculator.timing.pix_clock, maxPixClock);
+            vesk::log::info(kTimingTag, "%s %d current pixclock %.3f max pixclock %.3f\n",
+                            "getMaxHPixs", static_cast<int>(n), calculator.timing.pix_clock,
+                            maxPixClock);
             return sizeBelowLimit(n);
         }
     }
@@ -466,8 +467,9 @@ int VideoTimingCaculator::getMaxVPixs(uint32_t hPixels, uint32_t refreshRate, do
         calculator.calculateCvt(hPixels, n, refreshRate, bitsPerComponent, componentsPerPixel, mode,
                                 margins, interlaced, videoOptimized);
         if (calculator.timing.pix_clock > maxPixClock) {
-            vesk::log::info(kTag, "%s %d current pixclock %.3f max pixclock %.3f\n", "getMaxVPixs",
-                            static_cast<int>(n), calculator.timing.pix_clock, maxPixClock);
+            vesk::log::info(kTimingTag, "%s %d current pixclock %.3f max pixclock %.3f\n",
+                            "getMaxVPixs", static_cast<int>(n), calculator.timing.pix_clock,
+                            maxPixClock);
             return sizeBelowLimit(n);
         }
     }
@@ -490,7 +492,8 @@ int VideoTimingCaculator::dump() {
     forEachTimingDumpLine(timing, [&](const char* format, auto value) {
         const char level = vesk::log::currentLevel();
         if (level == 'I' || level == 'D') {
-            result = __android_log_print(ANDROID_LOG_INFO, kTag, format, timing.name.c_str(), value);
+            result = __android_log_print(ANDROID_LOG_INFO, kTimingTag, format, timing.name.c_str(),
+                                         value);
         }
     });
     return result;

@@ -119,6 +119,11 @@ std::string clipped(const std::string& function, int line, const std::string& te
     return text.substr(0, 1023 - prefix.size());
 }
 
+EnvLog updateLine(const std::string& name, const std::string& value) {
+    return {kInfo, "updateValue",
+            "[ubootenv] update value name [" + name + "]: value [" + value + "] \n"};
+}
+
 EnvLogs repeated(const EnvLogs& lines, int count) {
     EnvLogs all;
     for (int i = 0; i < count; ++i) all.insert(all.end(), lines.begin(), lines.end());

@@ -51,6 +51,9 @@ EnvLogs parseEnvLog(const std::vector<vesk::host::LogLine>& captured);
 // message into 1024 bytes, terminator included.
 std::string clipped(const std::string& function, int line, const std::string& text);
 
+// The line of updateValue that names the variable it sets.
+EnvLog updateLine(const std::string& name, const std::string& value);
+
 // Repeats `lines` `count` times.
 EnvLogs repeated(const EnvLogs& lines, int count);
 EnvLogs operator+(EnvLogs a, const EnvLogs& b);

@@ -12,11 +12,6 @@ namespace {
 
 const std::string kOtherData(131072, '\xa5');  // what else the flash holds after both copies
 
-EnvLog updateLine(const std::string& name, const std::string& value) {
-    return {kInfo, "updateValue",
-            "[ubootenv] update value name [" + name + "]: value [" + value + "] \n"};
-}
-
 Variables updated() {
     Variables variables = factoryVariables();
     variables[4].second = "720p60hz";  // hdmimode

@@ -18,11 +18,6 @@ using UbootenvSaveTest = EnvTest;
 const EnvLog kSaved = {kInfo, "updateValue",
                        "[ubootenv] Save ubootenv to /dev/block/env succeed!\n"};
 
-EnvLog updateLine(const std::string& name, const std::string& value) {
-    return {kInfo, "updateValue",
-            "[ubootenv] update value name [" + name + "]: value [" + value + "] \n"};
-}
-
 Variables with(Variables variables, const std::string& key, const std::string& value) {
     for (auto& [k, v] : variables) {
         if (k == key) {

@@ -1,19 +1,10 @@
 #include "Context.h"
 
-#include <sys/stat.h>
-
 #include "Errors.h"
+#include "GlobalOptionChecks.h"
 #include "vesk/host/DeviceRoot.h"
 
 namespace veskdm {
-namespace {
-
-bool isDirectory(const std::string& path) {
-    struct stat st;
-    return stat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
-}
-
-}  // namespace
 
 std::string Context::chosenPath() const {
     return rootOptionGiven ? options.root : mDefaultRoot.path;

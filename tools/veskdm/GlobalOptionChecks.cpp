@@ -14,12 +14,12 @@
 
 namespace veskdm {
 
-namespace {
-
 bool isDirectory(const std::string& path) {
     struct stat st;
     return stat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
 }
+
+namespace {
 
 std::string parentOf(const std::string& path) {
     size_t slash = path.find_last_of('/');

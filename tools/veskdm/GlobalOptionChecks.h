@@ -8,6 +8,9 @@
 
 namespace veskdm {
 
+// Whether PATH names a directory (following links, as the options' users do).
+bool isDirectory(const std::string& path);
+
 // A device root named with --root: an existing directory (a named root is never made);
 // throws UsageError otherwise.
 void checkRootPath(const std::string& root);
