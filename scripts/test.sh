@@ -44,12 +44,22 @@ stage() {
     echo "--- $name: $((SECONDS - start)) s"
 }
 
+# Each test program on its own, all its tests in one process, shuffled: as many programs at once
+# as there are cores; their outputs are shown in order when all have ended.
 shuffled_runs() {
-    local program
-    for program in build/default/bin/*_tests build/default/bin/Vts*Test; do
-        VESK_BOARD_JOURNAL= VESK_BOARD_SCRIPT= "$program" --gtest_shuffle --gtest_repeat=3 \
-            --gtest_brief=1
-    done
+    local work program status=0
+    work=$(mktemp -d "${TMPDIR:-/tmp}/veskdm-shuffled-XXXXXX")
+    local programs=(build/default/bin/*_tests build/default/bin/Vts*Test)
+    printf '%s\n' "${programs[@]}" | xargs -P "$(nproc)" -I{} sh -c '
+        VESK_BOARD_JOURNAL= VESK_BOARD_SCRIPT= "$1" --gtest_shuffle --gtest_repeat=3 \
+            --gtest_brief=1 >"$2/$(basename "$1").log" 2>&1 || echo "$1" >>"$2/failed"' sh {} "$work"
+    for program in "${programs[@]}"; do cat "$work/$(basename "$program").log"; done
+    if [ -f "$work/failed" ]; then
+        echo "failed in their shuffled runs:" $(cat "$work/failed")
+        status=1
+    fi
+    rm -rf "$work"
+    return $status
 }
 
 board_check() {
