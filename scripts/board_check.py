@@ -53,8 +53,11 @@ def main(argv):
                 if name not in selected and name not in gate_table.needed_by(selected):
                     continue
                 start = time.monotonic()
+                noted = len(context.notes)
                 gate(context)
                 print(f"board check: {name}: passed ({time.monotonic() - start:.1f} s)")
+                for note in context.notes[noted:]:
+                    print(f"board check:   {note}")
     except BadTree as problem:
         print(f"board check: {problem}", file=sys.stderr)
         return 2
