@@ -32,7 +32,8 @@ M4_DEFINES = {
 }
 
 # The project's folders a full-Treble board adds (system_ext public and private, vendor).
-BOARD_FOLDERS = ["sepolicy/system_ext/public", "sepolicy/system_ext/private", "sepolicy/vendor"]
+VENDOR_FOLDERS = ["sepolicy/vendor"]
+BOARD_FOLDERS = ["sepolicy/system_ext/public", "sepolicy/system_ext/private"] + VENDOR_FOLDERS
 WITHOUT_FULL_TREBLE = "sepolicy/without-full-treble"
 
 # The files checked against the compiled policy, and the attribute a type they name must have.
@@ -354,8 +355,9 @@ def check_treble(ctx):
                               "full-Treble board's build tests refuse")
 
 
-def context_files(ctx, name):
-    return [ctx.repo / folder / name for folder in BOARD_FOLDERS
+def context_files(ctx, name, folders=None):
+    """The project's files of that name in the folders (the board's by default)."""
+    return [ctx.repo / folder / name for folder in folders or BOARD_FOLDERS
             if (ctx.repo / folder / name).is_file()]
 
 

@@ -171,7 +171,8 @@ class PolicyGatesTest(unittest.TestCase):
 
     def test_a_property_context_that_is_not_a_property_type_is_named(self):
         _, failure = self.contexts_failure("property-contexts", "vendor/property_contexts",
-                                           "persist.vendor.sc.log.level     u:object_r:vesk_prop",
+                                           "persist.vendor.sc.log.level     "
+                                           "u:object_r:vendor_vesk_prop",
                                            "persist.vendor.sc.log.level     "
                                            "u:object_r:sysfs_vesk_display")
         self.assertFailure(failure, "contexts", "sepolicy/vendor/property_contexts",
