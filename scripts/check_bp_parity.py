@@ -44,6 +44,7 @@ PAIRS = {
         "targets": ["vesk_platform_headers"],
         "headers_only": "default/platform",
     },
+    "libvesksdk_headers": {"targets": ["vesksdk_headers"], "headers_only": "vesksdk/include"},
     "VtsHalVeskDeviceManagerV1_0TargetTest": {
         "targets": ["VtsHalVeskDeviceManagerV1_0TargetTest"],
         "device_only": {

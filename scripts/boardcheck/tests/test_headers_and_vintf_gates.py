@@ -34,7 +34,8 @@ class HeadersGateTest(unittest.TestCase):
     SOURCE = "default/BoardText.cpp"
 
     def setUp(self):
-        self.copy = Copy(self, "default", "interface", "vesksdk/include", "host/platform/include")
+        self.copy = Copy(self, "default", "interface", "vesksdk/include", "vesksdk/Android.bp",
+                         "host/platform/include")
 
     def test_device_sources_compile(self):
         # The second includes the interface's generated headers and with them the tree's.
