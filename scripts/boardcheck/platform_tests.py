@@ -17,7 +17,8 @@ from pathlib import Path
 
 from .common import GateFailure, first_line, run
 from .headers import JOBS, first_error
-from .policy import TREE_FOLDERS as POLICY_FOLDERS, context_files, shown
+from .policy import (BOARD_FOLDERS, EXAMPLE_FOLDERS, EXAMPLES, TREE_FOLDERS as POLICY_FOLDERS,
+                     binary_of, context_files, shown)
 
 TESTS = "system/sepolicy/tests"
 LIBBASE = "system/libbase"
@@ -127,7 +128,10 @@ def run_tests(ctx, policy, folders=None):
 
 
 def check_platform_tests(ctx):
+    """The board's policy with its file_contexts, then the policy with the examples with theirs."""
     build_tests(ctx)
     started = time.monotonic()
     run_tests(ctx, ctx.policy)
-    ctx.notes.append(f"platform-tests: sepolicy_tests.py in {time.monotonic() - started:.1f} s")
+    run_tests(ctx, binary_of(ctx, EXAMPLES), BOARD_FOLDERS + EXAMPLE_FOLDERS)
+    ctx.notes.append(f"platform-tests: sepolicy_tests.py, twice, in "
+                     f"{time.monotonic() - started:.1f} s")
