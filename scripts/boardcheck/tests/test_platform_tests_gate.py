@@ -67,12 +67,6 @@ class PlatformTestsGateTest(unittest.TestCase):
                          "following types on /odm/ /vendor/ must be associated with the "
                          '"vendor_file_type" attribute: system_file', self.failure())
 
-    def test_a_sys_path_whose_type_is_not_a_sysfs_type_fails(self):
-        line = self.relabel("/sys/class/display/mode", "u:object_r:vendor_file:s0")
-        self.assertEqual(f"line {line}: /sys/class/display/mode u:object_r:vendor_file:s0: The "
-                         "following types on /sys/ must be associated with the \"sysfs_type\" "
-                         "attribute: vendor_file", self.failure())
-
     def test_the_library_is_built_in_the_scratch_folder_only(self):
         self.assertEqual(self.context.work / "sepolicy-tests", self.tests)
         self.assertTrue((self.tests / platform_tests.LIBRARY).is_file())
