@@ -4,17 +4,17 @@ platform's type rules fails it, naming the project's line.
 
     VESK_ANDROID_TREE=../shared/android13 python3 -m unittest discover -s scripts/boardcheck/tests -t scripts
 
-Without $VESK_ANDROID_TREE the cases are skipped. The board policy is compiled and libsepolwrap.so
-built once for all cases.
+Without $VESK_ANDROID_TREE the cases are skipped. The board policy is compiled (once per test run,
+with the policy gates' tests) and libsepolwrap.so built once for all cases.
 """
 import shutil
 import tempfile
 import unittest
 from pathlib import Path
 
-from boardcheck import platform_tests, policy
+from boardcheck import platform_tests
 from boardcheck.common import Context, GateFailure
-from boardcheck.tests.support import REPO, TREE
+from boardcheck.tests.support import REPO, TREE, compiled_policies
 
 FILE_CONTEXTS = "sepolicy/vendor/file_contexts"
 
@@ -26,9 +26,10 @@ class PlatformTestsGateTest(unittest.TestCase):
         cls.scratch = Path(tempfile.mkdtemp(prefix="vesk-platform-tests-"))
         cls.repo = cls.scratch / "repo"
         shutil.copytree(REPO / "sepolicy", cls.repo / "sepolicy")
-        cls.context = Context(repo=cls.repo, tree=Path(TREE).resolve(), work=cls.scratch / "work")
+        # The compiled board policy over this class's own copy of the folders.
+        cls.context = Context(repo=cls.repo, tree=Path(TREE).resolve(), work=cls.scratch / "work",
+                              policy=compiled_policies().policy)
         cls.context.work.mkdir()
-        cls.context.policy = policy.compile_policy(cls.context, policy.BOARD)
         cls.tests = platform_tests.build_tests(cls.context)
 
     @classmethod

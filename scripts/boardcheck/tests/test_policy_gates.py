@@ -5,7 +5,7 @@ violation); the repository's own policy passes all three.
     VESK_ANDROID_TREE=../shared/android13 python3 -m unittest discover -s scripts/boardcheck/tests -t scripts
 
 Without $VESK_ANDROID_TREE the cases are skipped; with it, a tree that lacks the platform's
-policy is an error. The good policy is compiled once for all cases.
+policy is an error. The good policies are compiled once per test run (support.compiled_policies).
 """
 import os
 import re
@@ -17,6 +17,7 @@ from pathlib import Path
 
 from boardcheck import policy
 from boardcheck.common import Context, GateFailure
+from boardcheck.tests.support import compiled_policies
 
 REPO = Path(__file__).resolve().parents[3]
 TREE = os.environ.get("VESK_ANDROID_TREE")
@@ -37,8 +38,7 @@ class PolicyGatesTest(unittest.TestCase):
     def setUpClass(cls):
         cls.tree = android_tree()
         cls.scratch = Path(tempfile.mkdtemp(prefix="vesk-policy-gates-"))
-        cls.good = cls.context("good")
-        policy.check_policy(cls.good)
+        cls.good = compiled_policies()
         policy.check_treble(cls.good)
         policy.check_contexts(cls.good)
 
@@ -155,15 +155,6 @@ class PolicyGatesTest(unittest.TestCase):
         self.assertFailure(failure, "policy", "sepolicy/without-full-treble/vesk_hal_shell.te",
                            rf"^line {line}: unknown type vesk_no_such_exec "
                            r"\(a board without full Treble\)$")
-
-    def test_the_examples_compile_with_the_board_s_policy(self):
-        ctx = self.context("examples")
-        line = self.append(ctx, "native-client/vesk_panel_client.te",
-                           "allow vesk_panel_client vesk_no_such_type:file read;")
-        failure = self.failure(lambda c: policy.compile_policy(c, policy.EXAMPLES), ctx)
-        self.assertFailure(failure, "policy", "sepolicy/native-client/vesk_panel_client.te",
-                           rf"^line {line}: unknown type vesk_no_such_type \(the full-Treble "
-                           r"board policy with the examples\)$")
 
     def test_no_vendor_domain_may_run_reboot_on_a_full_treble_board(self):
         # What setSystemShutDown's command needs, given to the shell helper on a full-Treble
