@@ -350,7 +350,10 @@ VeskRpcResult vesk_rpc_session_connect(const char* socketPath, uint32_t incoming
     made->session = RpcSession::make();
     made->session->setMaxIncomingThreads(incomingThreads);
     int laterErrno = 0;
-    status_t status = made->session->setupPreconnectedClient(std::move(first), [&] {
+    // Every connection through the request function: Android 13's setupPreconnectedClient takes
+    // the fd it is given again for each further connection it makes.
+    status_t status = made->session->setupPreconnectedClient(unique_fd(), [&] {
+        if (first.ok()) return std::move(first);
         unique_fd next = connectTo(address, deadline.remaining());
         if (next.ok()) {
             deadline.watch(next.get());
