@@ -29,9 +29,9 @@ LISTS = ("srcs", "exclude_srcs", "cflags", "cppflags", "conlyflags", "export_inc
          "local_include_dirs", "whole_static_libs")
 
 
-def merged(props, modules, sdk_version):
+def merged(props, modules):
     """A module's lists with its defaults' and its host target blocks' (Soong's order)."""
-    result = {key: [] for key in LISTS}
+    result = {key: [] for key in LISTS + ("sdk_cflags",)}
 
     def add(block):
         for key in LISTS:
@@ -41,12 +41,11 @@ def merged(props, modules, sdk_version):
                 add(block["target"][name])
 
     add(props)
+    result["sdk_cflags"] = props.get("product_variables", {}).get(
+        "platform_sdk_version", {}).get("cflags", [])
     for default in props.get("defaults", []):
-        for key, values in merged(modules[default], modules, sdk_version).items():
+        for key, values in merged(modules[default], modules).items():
             result[key] = values + result[key]
-    sdk = props.get("product_variables", {}).get("platform_sdk_version", {})
-    if sdk and sdk_version is not None:
-        result["cflags"] += [flag.replace("%d", str(sdk_version)) for flag in sdk["cflags"]]
     return result
 
 
@@ -58,10 +57,13 @@ def host_variant(bp, name, sdk_version):
     if name not in modules:
         return None
     folder = bp.parent
-    module = merged(modules[name], modules, sdk_version)
+    module = merged(modules[name], modules)
+    # Product variables apply once the defaults are in, after all else.
+    if sdk_version is not None:
+        module["cflags"] += [f.replace("%d", str(sdk_version)) for f in module["sdk_cflags"]]
     for whole in module["whole_static_libs"]:
         if whole in modules:  # fmtlib and other modules of other folders are the caller's
-            taken = merged(modules[whole], modules, sdk_version)
+            taken = merged(modules[whole], modules)
             module["srcs"] += taken["srcs"]
             module["exclude_srcs"] += taken["exclude_srcs"]
     excluded = set(module["exclude_srcs"])
