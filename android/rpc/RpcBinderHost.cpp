@@ -1,18 +1,13 @@
 // The host side of service registration over the platform's RPC binder (rpc_binder_host.h).
 // glibc's <assert.h> first: on glibc, binder_status.h defines an __assert of its own that breaks
 // <assert.h> when that comes later.
-#include <assert.h>
-
-#include "vesk/rpc_binder_host.h"
-
 #include <android-base/unique_fd.h>
 #include <android/binder_ibinder.h>
 #include <android/binder_libbinder.h>
 #include <android/log.h>
+#include <assert.h>
 #include <binder/RpcServer.h>
 #include <binder/RpcSession.h>
-#include <utils/Errors.h>
-
 #include <errno.h>
 #include <fcntl.h>
 #include <poll.h>
@@ -24,6 +19,7 @@
 #include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
+#include <utils/Errors.h>
 
 #include <atomic>
 #include <chrono>
@@ -32,6 +28,8 @@
 #include <string>
 #include <thread>
 #include <vector>
+
+#include "vesk/rpc_binder_host.h"
 
 using android::OK;
 using android::RpcServer;
@@ -121,9 +119,9 @@ unique_fd connectTo(const sockaddr_un& address, std::chrono::milliseconds timeou
 // without end. Each socket is held as a duplicate of its own, so the session may close its copy
 // at any time.
 class Deadline {
-public:
+  public:
     explicit Deadline(std::chrono::milliseconds timeout)
-          : mEnd(std::chrono::steady_clock::now() + timeout), mWatcher([this] { watch(); }) {}
+        : mEnd(std::chrono::steady_clock::now() + timeout), mWatcher([this] { watch(); }) {}
     ~Deadline() { finish(); }
 
     std::chrono::milliseconds remaining() const {
@@ -150,7 +148,7 @@ public:
         return mExpired;
     }
 
-private:
+  private:
     void watch() {
         std::unique_lock<std::mutex> lock(mMutex);
         if (mChanged.wait_until(lock, mEnd, [this] { return mFinished; })) return;
@@ -233,15 +231,13 @@ VeskRpcResult vesk_rpc_server_create(AIBinder* root, const char* socketPath, uin
     std::string lockPath = made->path + ".lock";
     made->lock.reset(open(lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
     if (!made->lock.ok()) {
-        return fail(VESK_RPC_SYSTEM_ERROR, "cannot open %s: %s", lockPath.c_str(),
-                    strerror(errno));
+        return fail(VESK_RPC_SYSTEM_ERROR, "cannot open %s: %s", lockPath.c_str(), strerror(errno));
     }
     if (flock(made->lock.get(), LOCK_EX | LOCK_NB) != 0) {
         if (errno == EWOULDBLOCK) {
             return fail(VESK_RPC_IN_USE, "another server serves %s", socketPath);
         }
-        return fail(VESK_RPC_SYSTEM_ERROR, "cannot lock %s: %s", lockPath.c_str(),
-                    strerror(errno));
+        return fail(VESK_RPC_SYSTEM_ERROR, "cannot lock %s: %s", lockPath.c_str(), strerror(errno));
     }
 
     // Holding the lock, a socket file here is a dead server's, unless a program that takes no
@@ -255,8 +251,8 @@ VeskRpcResult vesk_rpc_server_create(AIBinder* root, const char* socketPath, uin
             return fail(VESK_RPC_IN_USE, "another server listens on %s", socketPath);
         }
         if (unlink(socketPath) != 0 && errno != ENOENT) {
-            return fail(VESK_RPC_SYSTEM_ERROR, "cannot remove the stale socket %s: %s",
-                        socketPath, strerror(errno));
+            return fail(VESK_RPC_SYSTEM_ERROR, "cannot remove the stale socket %s: %s", socketPath,
+                        strerror(errno));
         }
     }
 
@@ -274,8 +270,7 @@ VeskRpcResult vesk_rpc_server_create(AIBinder* root, const char* socketPath, uin
     // RpcServer's own backlog: a client opens all its connections at once.
     if (listen(listening.get(), 50) != 0) {
         unlink(socketPath);
-        return fail(VESK_RPC_SYSTEM_ERROR, "cannot listen on %s: %s", socketPath,
-                    strerror(errno));
+        return fail(VESK_RPC_SYSTEM_ERROR, "cannot listen on %s: %s", socketPath, strerror(errno));
     }
 
     int stop[2];

@@ -25,8 +25,7 @@ int main(int argc, char** argv) {
     }
     uint32_t threads = argc == 3 ? static_cast<uint32_t>(atoi(argv[2])) : 4;
     auto service = ndk::SharedRefBase::make<vesk::test::PingService>();
-    if (vesk_rpc_server_create(service->asBinder().get(), argv[1], threads, &server) !=
-        VESK_RPC_OK) {
+    if (vesk_rpc_server_create(service->asBinder().get(), argv[1], threads, &server) != VESK_RPC_OK) {
         fprintf(stderr, "ping_server: %s\n", vesk_rpc_last_error());
         return 1;
     }

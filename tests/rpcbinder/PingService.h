@@ -7,9 +7,8 @@
 
 // glibc's <assert.h> before the binder headers: on glibc, binder_status.h defines an __assert of
 // its own that breaks a later <assert.h>.
-#include <assert.h>
-
 #include <aidl/vesk/tests/BnPing.h>
+#include <assert.h>
 
 #include <condition_variable>
 #include <mutex>

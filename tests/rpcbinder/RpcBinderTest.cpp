@@ -1,7 +1,5 @@
 // The platform's binder across processes through the host's registration seam: IPing served by
 // ping_server (another process) or by this process, called through the generated NDK proxy.
-#include "PingService.h"  // first: <assert.h> before the binder headers
-
 #include <android/log.h>
 #include <gtest/gtest.h>
 #include <stdint.h>
@@ -19,6 +17,7 @@
 
 #include "ChildProcess.h"
 #include "PingServer.h"
+#include "PingService.h"  // first: <assert.h> before the binder headers
 #include "TestRoot.h"
 #include "vesk/rpc_binder_host.h"
 
@@ -59,7 +58,7 @@ struct Connection {
 // IPing served by this process on a thread of its own.
 struct ServerHere {
     explicit ServerHere(const std::string& path, uint32_t maxThreads = 4)
-          : service(ndk::SharedRefBase::make<PingService>()) {
+        : service(ndk::SharedRefBase::make<PingService>()) {
         result = vesk_rpc_server_create(service->asBinder().get(), path.c_str(), maxThreads,
                                         &server);
         message = vesk_rpc_last_error();
@@ -335,7 +334,8 @@ TEST_F(RpcBinderTest, AServerLeavesAFileAtItsPathAlone) {
 TEST_F(RpcBinderTest, BadArgumentsAreRefused) {
     auto service = ndk::SharedRefBase::make<PingService>();
     VeskRpcServer* server = nullptr;
-    EXPECT_EQ(VESK_RPC_BAD_ARGUMENT, vesk_rpc_server_create(nullptr, socketPath.c_str(), 1, &server));
+    EXPECT_EQ(VESK_RPC_BAD_ARGUMENT,
+              vesk_rpc_server_create(nullptr, socketPath.c_str(), 1, &server));
     std::string tooLong = root.path() + "/" + std::string(108, 's');
     EXPECT_EQ(VESK_RPC_BAD_ARGUMENT,
               vesk_rpc_server_create(service->asBinder().get(), tooLong.c_str(), 1, &server));
@@ -356,8 +356,8 @@ TEST_F(RpcBinderTest, BadArgumentsAreRefused) {
 TEST_F(RpcBinderTest, AServerAskedToStopBeforeItIsJoinedStopsWhenJoined) {
     auto service = ndk::SharedRefBase::make<PingService>();
     VeskRpcServer* server = nullptr;
-    ASSERT_EQ(VESK_RPC_OK, vesk_rpc_server_create(service->asBinder().get(), socketPath.c_str(), 1,
-                                                  &server))
+    ASSERT_EQ(VESK_RPC_OK,
+              vesk_rpc_server_create(service->asBinder().get(), socketPath.c_str(), 1, &server))
             << vesk_rpc_last_error();
     vesk_rpc_server_shutdown(server);
     EXPECT_EQ(VESK_RPC_OK, vesk_rpc_server_join(server));
