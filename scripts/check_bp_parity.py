@@ -69,8 +69,8 @@ DEVICE_ONLY = {
         "the board's service host; on the host veskdm loads the -impl library itself",
 }
 
-TOKEN = re.compile(r'\s+|//[^\n]*|/\*.*?\*/|"(?:[^"\\]|\\.)*"|[{}\[\]:,=+]|[A-Za-z_][\w.@-]*|-?\d+',
-                   re.S)
+TOKEN = re.compile(r'\s+|//[^\n]*|/\*.*?\*/|"(?:[^"\\]|\\.)*"|[{}\[\]:,=+]|[A-Za-z_][\w.@-]*'
+                   r'|-?\d+', re.S)
 
 
 def blueprint_modules(text):
