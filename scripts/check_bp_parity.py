@@ -18,6 +18,7 @@ To pair a new module: add an entry to PAIRS (module name -> CMake targets, and t
 only one side has, each with the reason).
 """
 import argparse
+import copy
 import glob
 import json
 import re
@@ -72,21 +73,23 @@ DEVICE_ONLY = {
         "the board's service host; on the host veskdm loads the -impl library itself",
 }
 
-TOKEN = re.compile(r'\s+|//[^\n]*|/\*.*?\*/|"(?:[^"\\]|\\.)*"|[{}\[\]:,=+]|[A-Za-z_][\w.@-]*',
-                   re.S)
+TOKEN = re.compile(r'\s+|//[^\n]*|/\*.*?\*/|"(?:[^"\\]|\\.)*"|[{}\[\]:,=+]|[A-Za-z_][\w.@-]*'
+                   r'|-?\d+', re.S)
 
 
 def blueprint_modules(text):
-    """The modules of one Android.bp: [(type, {property: value})]."""
+    """The modules of one Android.bp: [(type, {property: value})]. Variables (`name = value`,
+    `name += value`) and `+` of lists, strings and maps are resolved, as Blueprint does."""
     tokens = [t for t in TOKEN.findall(text) if t.strip() and not t.startswith(("//", "/*"))]
     position = 0
+    variables = {}
 
     def take():
         nonlocal position
         position += 1
         return tokens[position - 1]
 
-    def value():
+    def operand():
         token = take()
         if token.startswith('"'):
             return json.loads(token)
@@ -100,7 +103,22 @@ def blueprint_modules(text):
             return items
         if token == "{":
             return properties("}")
-        return {"true": True, "false": False}.get(token, token)
+        if token in ("true", "false"):
+            return token == "true"
+        if token.lstrip("-").isdigit():
+            return int(token)
+        if token in variables:
+            return copy.deepcopy(variables[token])
+        return token
+
+    def value():
+        result = operand()
+        while position < len(tokens) and tokens[position] == "+" and \
+                tokens[position + 1] != "=":
+            take()
+            right = operand()
+            result = {**result, **right} if isinstance(result, dict) else result + right
+        return result
 
     def properties(end):
         result = {}
@@ -117,9 +135,16 @@ def blueprint_modules(text):
     modules = []
     while position < len(tokens):
         kind = take()
-        if take() != "{":
+        if tokens[position] == "=":
+            take()
+            variables[kind] = value()
+        elif tokens[position] == "+":
+            take(), take()
+            variables[kind] = variables[kind] + value()
+        elif take() == "{":
+            modules.append((kind, properties("}")))
+        else:
             raise ValueError(f"expected '{{' after {kind}")
-        modules.append((kind, properties("}")))
     return modules
 
 

@@ -64,6 +64,15 @@ class ParityTest(unittest.TestCase):
                                           "arch": {"arm": {"cflags": ["-DARM"]}}}),
                           ("cc_test", {"name": "y"})], modules)
 
+    def test_blueprint_variables_and_concatenation(self):
+        modules = parity.blueprint_modules(
+            'files = ["a.cpp"]\nfiles += ["b.cpp"]\nflags = {cflags: ["-DA"]}\n'
+            'cc_library { name: "x", srcs: files + ["c.cpp"], arch: flags + {ldflags: ["-s"]},'
+            ' version: 3 }')
+        self.assertEqual([("cc_library", {"name": "x", "srcs": ["a.cpp", "b.cpp", "c.cpp"],
+                                          "arch": {"cflags": ["-DA"], "ldflags": ["-s"]},
+                                          "version": 3})], modules)
+
 
 if __name__ == "__main__":
     unittest.main(argv=sys.argv[:1])
