@@ -11,6 +11,14 @@ BOARD_VENDOR_SEPOLICY_DIRS += $(VESK_VESKDM_DIR)/sepolicy/vendor
 SYSTEM_EXT_PUBLIC_SEPOLICY_DIRS += $(VESK_VESKDM_DIR)/sepolicy/system_ext/public
 SYSTEM_EXT_PRIVATE_SEPOLICY_DIRS += $(VESK_VESKDM_DIR)/sepolicy/system_ext/private
 
+# The service's properties are named persist.vesk.* (its log level and the custom output mode it
+# publishes), outside the vendor namespaces that the build requires of a vendor property_contexts
+# on a board shipping with API 29 or later. The names are the board's contract with its tools and
+# apps, which read them, and stay; the build then lists them instead of stopping. This relaxes the
+# check for every vendor property_contexts of the board, and VTS still reports these names on the
+# device (vts_treble_sys_prop_test). Their context, vendor_vesk_prop, is in the vendor namespace.
+BUILD_BROKEN_VENDOR_PROPERTY_NAMESPACE := true
+
 # The framework's side of the HAL the service's manifest fragment serves.
 DEVICE_FRAMEWORK_COMPATIBILITY_MATRIX_FILE += \
     $(VESK_VESKDM_DIR)/default/framework_compatibility_matrix.xml

@@ -10,10 +10,17 @@ and exits 0. The gates, in order:
   headers    every source of every device module of the Android.bp files compiles against the
              tree's libhidl, libhwbinder and libfmq headers with libc++, as the board compiles it
   policy     the project's policy folders compile together with the tree's system/sepolicy as
-             the board build does, every neverallow enforced, full Treble
-  treble     no type of the full-Treble policy carries a *_violators attribute
+             the board build does, every neverallow enforced, full Treble (also with the
+             examples' folders)
+  treble     no type of the full-Treble policies carries a *_violators attribute
   contexts   every file_contexts is valid against the compiled policy; every type of the
              hwservice and property contexts exists with the right attribute
+  properties the vendor property_contexts pass the tree's check_prop_prefix.py as Soong runs it
+             (strict unless the board fragment sets BUILD_BROKEN_VENDOR_PROPERTY_NAMESPACE),
+             and every context starts with vendor_ whatever the flag
+  platform-tests
+             the tree's sepolicy_tests.py passes on the compiled policy with the platform's
+             and the project's file_contexts (its libsepolwrap.so built in a scratch folder)
   vintf      the framework matrix fragment and the device manifest fragment name the same HAL
 
 A failed gate prints three lines (the gate, the file, the first violation) and the check exits 1.

@@ -44,6 +44,7 @@ PAIRS = {
         "targets": ["vesk_platform_headers"],
         "headers_only": "default/platform",
     },
+    "libvesksdk_headers": {"targets": ["vesksdk_headers"], "headers_only": "vesksdk/include"},
     "VtsHalVeskDeviceManagerV1_0TargetTest": {
         "targets": ["VtsHalVeskDeviceManagerV1_0TargetTest"],
         "device_only": {
@@ -64,6 +65,9 @@ DEVICE_ONLY = {
         "Java sources (interface/CMakeLists.txt)",
     "vesk.hardware.veskdevicemanager@1.0-released-hash":
         "genrule: the host runs its own command (scripts/run_genrule.py, tests/vts/CMakeLists.txt)",
+    "vesk_panel_client":
+        "an example of a native system client (examples/native-client), which a board builds "
+        "when it ships one; the headers gate compiles it",
     "vesk.hardware.veskdevicemanager@1.0-service":
         "the board's service host; on the host veskdm loads the -impl library itself",
 }

@@ -13,7 +13,7 @@ packages=(
     hidl-gen android-libutils-dev android-liblog-dev android-libcutils-dev
     zlib1g-dev libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev
     libxcvt-dev u-boot-tools libubootenv-tool libubootenv-dev edid-decode lcov strace python3
-    m4 checkpolicy setools policycoreutils libc++-dev libc++abi-dev ninja-build
+    m4 checkpolicy setools policycoreutils libsepol-dev libc++-dev libc++abi-dev ninja-build
 )
 if ((cross)); then
     packages+=(g++-aarch64-linux-gnu g++-arm-linux-gnueabihf qemu-user)

@@ -18,11 +18,15 @@ Treble adds without-full-treble too.
 - Every property the service reads or sets has a property_contexts line.
 - The .rc runs the service as the user and in the groups that the policy's "# groups:" line of
   vendor/hal_veskdevicemanager.te assumes.
+- Every device node the service opens (an environment device, a serial channel) has a line in the
+  ueventd fragment (default/ueventd.rc; the last line that matches, as ueventd takes it) that
+  gives it to the .rc's user, read and write, with no access for others.
 
 Usage: check_policy.py [REPO] [--policy DIR] (DIR: the sepolicy folder). Prints each problem;
 exit 1 if there is any.
 """
 import argparse
+import fnmatch
 import re
 import sys
 from pathlib import Path
@@ -109,12 +113,51 @@ def property_covered(name, policy):
     return False
 
 
+UEVENTD = "default/ueventd.rc"
+
+
 def rc_service(repo):
-    rc = next((repo / "default").glob("*.rc")).read_text()
+    rc = next((repo / "default").glob("*-service.rc")).read_text()
     binary = re.search(r"^service\s+\S+\s+(\S+)", rc, re.M).group(1)
     user = re.search(r"^\s+user\s+(\S+)", rc, re.M)
     groups = re.search(r"^\s+group\s+(.+)$", rc, re.M)
     return binary, user.group(1) if user else None, groups.group(1).split() if groups else []
+
+
+def ueventd_entries(repo):
+    """(pattern, mode, user) of each node line of the ueventd fragment, in order."""
+    entries = []
+    path = repo / UEVENTD
+    for line in path.read_text().splitlines() if path.is_file() else []:
+        fields = line.split("#", 1)[0].split()
+        if len(fields) == 4 and fields[0].startswith("/dev/"):
+            entries.append((fields[0], int(fields[1], 8), fields[2]))
+    return entries
+
+
+def ueventd_matches(pattern, path):
+    """ueventd's match: a pattern with * is fnmatch'ed with FNM_PATHNAME (no * across a /)."""
+    if "*" not in pattern:
+        return pattern == path
+    return re.fullmatch(fnmatch.translate(pattern).replace(".*", "[^/]*"), path) is not None
+
+
+def check_device_nodes(repo, user):
+    problems = []
+    entries = ueventd_entries(repo)
+    for path, what in table_paths(repo):
+        if not path.startswith("/dev/"):
+            continue
+        matching = [entry for entry in entries if ueventd_matches(entry[0], path)]
+        if not matching:
+            problems.append(f"{path} ({what}) has no line in {UEVENTD}")
+            continue
+        pattern, mode, owner = matching[-1]
+        if owner != user or mode & 0o600 != 0o600 or mode & 0o007:
+            problems.append(f"{UEVENTD} gives {path} ({what}) to {owner} with mode {mode:04o}; "
+                            f"the service runs as {user}: owner {user}, read and write, nothing "
+                            "for others")
+    return problems
 
 
 EXECUTES = r"\b(rx_file_perms|x_file_perms|execute_no_trans)\b"
@@ -189,6 +232,8 @@ def check(repo, policy):
     for name in service_properties(repo):
         if not property_covered(name, policy):
             problems.append(f"property {name} has no property_contexts line")
+
+    problems += check_device_nodes(repo, user)
 
     assumed = re.search(r"^# groups:\s*(.*)$", te, re.M)
     assumed_groups = assumed.group(1).split() if assumed else []

@@ -2,18 +2,20 @@
 from pathlib import Path
 
 from .common import BadTree
-from . import headers, policy, vintf
+from . import headers, platform_tests, policy, properties, vintf
 
 GATES = [
     ("headers", headers.check_headers),
     ("policy", policy.check_policy),
     ("treble", policy.check_treble),
     ("contexts", policy.check_contexts),
+    ("properties", properties.check_properties),
+    ("platform-tests", platform_tests.check_platform_tests),
     ("vintf", vintf.check_vintf),
 ]
 
 # A gate that reads another's result runs that one first.
-NEEDS = {"treble": ["policy"], "contexts": ["policy"]}
+NEEDS = {"treble": ["policy"], "contexts": ["policy"], "platform-tests": ["policy"]}
 
 # The folders of the tree each gate reads.
 TREE_FOLDERS = {
@@ -21,6 +23,8 @@ TREE_FOLDERS = {
     "policy": policy.TREE_FOLDERS,
     "treble": policy.TREE_FOLDERS,
     "contexts": policy.TREE_FOLDERS,
+    "properties": properties.TREE_FOLDERS,
+    "platform-tests": platform_tests.TREE_FOLDERS,
     "vintf": [],
 }
 

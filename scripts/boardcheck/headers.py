@@ -37,9 +37,6 @@ TREE_FOLDERS = TREE_INCLUDES + [HIDL_ROOT, BIONIC]
 # compiler's defaults.
 PLATFORM_INCLUDES = ["/usr/include/android"]
 
-# Libraries the board provides whose headers are kept in this repository.
-BOARD_LIBRARIES = {"libvesksdk": ["vesksdk/include"]}
-
 # The platform's cc_defaults the modules name, with the warning flags they add (the VTS
 # defaults take hidl_defaults'; the GoogleTest headers they bring are the host's).
 PLATFORM_DEFAULTS = {
@@ -144,11 +141,11 @@ class IncludeFolders:
         if name in seen:
             return []
         seen.add(name)
-        if name in BOARD_LIBRARIES:
-            return [str(self.ctx.repo / f) for f in BOARD_LIBRARIES[name]]
         module = self.modules.get(name)
         if module is None:
-            return []  # a platform library: its headers are among the common folders
+            # A platform library, whose headers are among the common folders, or the board's
+            # libvesksdk, which exports none: its headers are libvesksdk_headers.
+            return []
         if module.kind == "hidl_interface":
             return [str(self.hidl_out)]
         folders = [str(self.ctx.repo / module.folder / f)

@@ -32,7 +32,8 @@ M4_DEFINES = {
 }
 
 # The project's folders a full-Treble board adds (system_ext public and private, vendor).
-BOARD_FOLDERS = ["sepolicy/system_ext/public", "sepolicy/system_ext/private", "sepolicy/vendor"]
+VENDOR_FOLDERS = ["sepolicy/vendor"]
+BOARD_FOLDERS = ["sepolicy/system_ext/public", "sepolicy/system_ext/private"] + VENDOR_FOLDERS
 WITHOUT_FULL_TREBLE = "sepolicy/without-full-treble"
 
 # The files checked against the compiled policy, and the attribute a type they name must have.
@@ -64,7 +65,13 @@ SYSTEM_SIDE = Build("system", ("public", "private"), tuple(BOARD_FOLDERS[:2]), T
 NOT_FULL_TREBLE = Build("without-full-treble", ("public", "private", "vendor"),
                         tuple(BOARD_FOLDERS) + (WITHOUT_FULL_TREBLE,), False,
                         "a board without full Treble")
-BUILDS = [BOARD, SYSTEM_SIDE, NOT_FULL_TREBLE]
+# The examples an integrator copies: the board library's devices (a vendor folder) and a native
+# client's domain (a system_ext private one), each compiled with the board's policy.
+EXAMPLE_FOLDERS = ["sepolicy/board-library", "sepolicy/native-client"]
+EXAMPLES = Build("examples", ("public", "private", "vendor"),
+                 tuple(BOARD_FOLDERS + EXAMPLE_FOLDERS), True,
+                 "the full-Treble board policy with the examples")
+BUILDS = [BOARD, SYSTEM_SIDE, NOT_FULL_TREBLE, EXAMPLES]
 
 
 def policy_files(folders):
@@ -295,30 +302,29 @@ def find_rule(ctx, conf, source, target, klass, perms):
 # --- the gates -------------------------------------------------------------------------------
 
 def check_policy(ctx):
-    """Compiles the board's policy (kept in ctx.policy), the system side alone and the policy of
-    a board without full Treble; the first that fails fails the gate, in that order."""
+    """Compiles the board's policy (kept in ctx.policy), the system side alone, the policy of a
+    board without full Treble and the board's with the examples, two at a time; the first that
+    fails fails the gate, in that order."""
     started = time.monotonic()
-    # The board's compile and the system side's together; a board without full Treble after.
     with ThreadPoolExecutor(max_workers=2) as pool:
-        board, system = (pool.submit(compile_policy, ctx, build) for build in BUILDS[:2])
-        ctx.policy = board.result()
-        system.result()
-    for build in BUILDS[2:]:
-        compile_policy(ctx, build)
+        compiles = [pool.submit(compile_policy, ctx, build) for build in BUILDS]
+        binaries = [done.result() for done in compiles]
+    ctx.policy = binaries[0]
     ctx.notes.append(f"policy: {len(BUILDS)} compiles in {time.monotonic() - started:.1f} s")
 
 
-def seinfo(ctx, *query):
-    done = run(["seinfo", str(ctx.policy), *query])
+def seinfo(ctx, *query, policy=None):
+    policy = policy or ctx.policy
+    done = run(["seinfo", str(policy), *query])
     if done.returncode != 0:
-        raise GateFailure("policy", str(ctx.policy), f"seinfo: {first_line(done.stderr)}")
+        raise GateFailure("policy", str(policy), f"seinfo: {first_line(done.stderr)}")
     return done.stdout
 
 
-def attribute_types(ctx):
+def attribute_types(ctx, policy=None):
     """{attribute: [types]} of every attribute of the compiled policy."""
     found, current = {}, None
-    for line in seinfo(ctx, "-x", "-a").splitlines():
+    for line in seinfo(ctx, "-x", "-a", policy=policy).splitlines():
         declared = re.match(r"\s*attribute (\S+);", line)
         if declared:
             current = found.setdefault(declared.group(1), [])
@@ -328,7 +334,7 @@ def attribute_types(ctx):
 
 
 def project_te_files(ctx):
-    folders = BOARD_FOLDERS + [WITHOUT_FULL_TREBLE]
+    folders = BOARD_FOLDERS + EXAMPLE_FOLDERS + [WITHOUT_FULL_TREBLE]
     return [path for folder in folders for path in sorted((ctx.repo / folder).glob("*.te"))]
 
 
@@ -345,17 +351,20 @@ def declaring_file(ctx, type_name, attribute):
 
 
 def check_treble(ctx):
-    """No type of the full-Treble policy carries a *_violators attribute."""
-    for attribute, types in sorted(attribute_types(ctx).items()):
-        if attribute.endswith("_violators") and types:
-            violator = sorted(types)[0]
-            raise GateFailure("treble", declaring_file(ctx, violator, attribute),
-                              f"type {violator} has the attribute {attribute}, which a "
-                              "full-Treble board's build tests refuse")
+    """No type of the full-Treble policy, with or without the examples, carries a *_violators
+    attribute."""
+    for policy in (ctx.policy, binary_of(ctx, EXAMPLES)):
+        for attribute, types in sorted(attribute_types(ctx, policy).items()):
+            if attribute.endswith("_violators") and types:
+                violator = sorted(types)[0]
+                raise GateFailure("treble", declaring_file(ctx, violator, attribute),
+                                  f"type {violator} has the attribute {attribute}, which a "
+                                  "full-Treble board's build tests refuse")
 
 
-def context_files(ctx, name):
-    return [ctx.repo / folder / name for folder in BOARD_FOLDERS
+def context_files(ctx, name, folders=None):
+    """The project's files of that name in the folders (the board's by default)."""
+    return [ctx.repo / folder / name for folder in folders or BOARD_FOLDERS
             if (ctx.repo / folder / name).is_file()]
 
 
@@ -365,11 +374,9 @@ def numbered_lines(path):
             yield number, text.strip()
 
 
-def check_contexts(ctx):
-    """Every file_contexts is valid against the policy; every type of the other contexts files
-    exists with the attribute its file needs."""
-    for path in context_files(ctx, "file_contexts"):
-        done = run(["setfiles", "-c", str(ctx.policy), str(path)])
+def check_file_contexts(ctx, policy, folders):
+    for path in context_files(ctx, "file_contexts", folders):
+        done = run(["setfiles", "-c", str(policy), str(path)])
         if done.returncode != 0:
             bad = re.search(r"invalid context (\S+)", done.stdout + done.stderr)
             line = next((f"line {n}: {text}" for n, text in numbered_lines(path)
@@ -377,6 +384,13 @@ def check_contexts(ctx):
             raise GateFailure("contexts", shown(ctx, path),
                               f"{line}: invalid context" if line
                               else first_line(done.stderr + done.stdout))
+
+
+def check_contexts(ctx):
+    """Every file_contexts is valid against the policy (an example's against the policy with the
+    examples); every type of the other contexts files exists with the attribute its file needs."""
+    check_file_contexts(ctx, ctx.policy, BOARD_FOLDERS)
+    check_file_contexts(ctx, binary_of(ctx, EXAMPLES), EXAMPLE_FOLDERS)
     attributes_of = {}
     for name, attribute in CONTEXT_ATTRIBUTES.items():
         for path in context_files(ctx, name):

@@ -107,16 +107,64 @@ class PolicyCheckTest(unittest.TestCase):
                       self.problems())
 
     def test_groups_of_the_rc_and_the_policy_agree(self):
-        repo = self.work / "repo"
-        for part in ["default", "vesksdk/sim/include/vesk/sim"]:
-            shutil.copytree(REPO / part, repo / part)
-        rc = next((repo / "default").glob("*.rc"))
+        repo = self.copy_repo()
+        rc = next((repo / "default").glob("*-service.rc"))
         rc.write_text(rc.read_text().replace("group system", "group system dialout"))
         self.assertIn("the .rc gives group dialout, which the policy does not assume",
                       self.problems(repo))
         rc.write_text(rc.read_text().replace("user system", "user root"))
         self.assertIn("the .rc runs the service as root, the policy assumes system",
                       self.problems(repo))
+
+    def copy_repo(self):
+        repo = self.work / "repo"
+        for part in ["default", "vesksdk/sim/include/vesk/sim"]:
+            shutil.copytree(REPO / part, repo / part)
+        return repo
+
+    def edit_ueventd(self, repo, old, new):
+        path = repo / check_policy.UEVENTD
+        text = path.read_text()
+        self.assertIn(old, text)
+        path.write_text(text.replace(old, new))
+
+    def test_a_device_node_without_a_ueventd_line_is_named(self):
+        repo = self.copy_repo()
+        self.edit_ueventd(repo, "/dev/ttyVESK*                   0660   system   system\n", "")
+        found = self.problems(repo)
+        self.assertIn("/dev/ttyVESK485_2 (serial channel) has no line in default/ueventd.rc",
+                      found)
+        self.assertEqual(7, sum("(serial channel) has no line" in p for p in found), found)
+
+    def test_a_ueventd_star_does_not_cross_a_slash(self):
+        repo = self.copy_repo()
+        self.edit_ueventd(repo, "/dev/block/env  ", "/dev/*/env  ")
+        self.assertEqual([], self.problems(repo))
+        self.edit_ueventd(repo, "/dev/block/by-name/env  ", "/dev/block/*  ")
+        self.assertIn("/dev/block/by-name/env (kEnvDevices) has no line in default/ueventd.rc",
+                      self.problems(repo))
+
+    def test_a_node_given_to_another_user_or_to_others_is_named(self):
+        repo = self.copy_repo()
+        self.edit_ueventd(repo, "/dev/block/env                  0660   system   system",
+                          "/dev/block/env                  0660   root     system")
+        self.edit_ueventd(repo, "/dev/nand_env                   0660",
+                          "/dev/nand_env                   0666")
+        found = self.problems(repo)
+        self.assertIn("default/ueventd.rc gives /dev/block/env (kEnvDevices) to root with mode "
+                      "0660; the service runs as system: owner system, read and write, nothing "
+                      "for others", found)
+        self.assertIn("default/ueventd.rc gives /dev/nand_env (kEnvDevices) to system with mode "
+                      "0666; the service runs as system: owner system, read and write, nothing "
+                      "for others", found)
+
+    def test_the_last_matching_ueventd_line_counts(self):
+        repo = self.copy_repo()
+        with open(repo / check_policy.UEVENTD, "a") as ueventd:
+            ueventd.write("/dev/ttyVESKLORA 0440 system system\n")
+        self.assertEqual(["default/ueventd.rc gives /dev/ttyVESKLORA (serial channel) to system "
+                          "with mode 0440; the service runs as system: owner system, read and "
+                          "write, nothing for others"], self.problems(repo))
 
 
 if __name__ == "__main__":

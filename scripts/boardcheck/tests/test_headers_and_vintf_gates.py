@@ -14,11 +14,10 @@ import unittest
 from pathlib import Path
 
 from boardcheck import headers, vintf
-from boardcheck.common import Context, GateFailure
+from boardcheck.common import GateFailure
+from boardcheck.tests.support import REPO, TREE, Copy
 
-REPO = Path(__file__).resolve().parents[3]
 DRIVER = REPO / "scripts" / "board_check.py"
-TREE = os.environ.get("VESK_ANDROID_TREE")
 
 # Called from a source of the -impl: a host stand-in's function, whose header is in the copy too.
 HOST_ONLY_CALL = """
@@ -30,33 +29,13 @@ std::string boardRoot() {
 """
 
 
-class Copy:
-    """The given folders of the repository in a scratch folder, with a Context over it."""
-
-    def __init__(self, test, *folders):
-        scratch = Path(tempfile.mkdtemp(prefix="vesk-gate-test-"))
-        test.addCleanup(shutil.rmtree, scratch)
-        self.repo = scratch / "repo"
-        for folder in folders:
-            shutil.copytree(REPO / folder, self.repo / folder)
-        (scratch / "work").mkdir()
-        self.context = Context(repo=self.repo, tree=Path(TREE or scratch).resolve(),
-                               work=scratch / "work")
-
-    def edit(self, path, old, new):
-        file = self.repo / path
-        text = file.read_text()
-        if old not in text:
-            raise AssertionError(f"{path} has no {old!r}")
-        file.write_text(text.replace(old, new))
-
-
 @unittest.skipUnless(TREE, "needs an Android tree ($VESK_ANDROID_TREE)")
 class HeadersGateTest(unittest.TestCase):
     SOURCE = "default/BoardText.cpp"
 
     def setUp(self):
-        self.copy = Copy(self, "default", "interface", "vesksdk/include", "host/platform/include")
+        self.copy = Copy(self, "default", "interface", "vesksdk/include", "vesksdk/Android.bp",
+                         "host/platform/include")
 
     def test_device_sources_compile(self):
         # The second includes the interface's generated headers and with them the tree's.

@@ -5,7 +5,7 @@ violation); the repository's own policy passes all three.
     VESK_ANDROID_TREE=../shared/android13 python3 -m unittest discover -s scripts/boardcheck/tests -t scripts
 
 Without $VESK_ANDROID_TREE the cases are skipped; with it, a tree that lacks the platform's
-policy is an error. The good policy is compiled once for all cases.
+policy is an error. The good policies are compiled once per test run (support.compiled_policies).
 """
 import os
 import re
@@ -17,6 +17,7 @@ from pathlib import Path
 
 from boardcheck import policy
 from boardcheck.common import Context, GateFailure
+from boardcheck.tests.support import compiled_policies
 
 REPO = Path(__file__).resolve().parents[3]
 TREE = os.environ.get("VESK_ANDROID_TREE")
@@ -37,8 +38,7 @@ class PolicyGatesTest(unittest.TestCase):
     def setUpClass(cls):
         cls.tree = android_tree()
         cls.scratch = Path(tempfile.mkdtemp(prefix="vesk-policy-gates-"))
-        cls.good = cls.context("good")
-        policy.check_policy(cls.good)
+        cls.good = compiled_policies()
         policy.check_treble(cls.good)
         policy.check_contexts(cls.good)
 
@@ -105,6 +105,21 @@ class PolicyGatesTest(unittest.TestCase):
         self.assertEqual("", self.sesearch("-s", "untrusted_app", "-t",
                                            "hal_veskdevicemanager_hwservice"))
 
+    def test_adb_shell_may_not_look_the_service_up(self):
+        self.assertEqual("", self.sesearch("-s", "shell", "-t",
+                                           "hal_veskdevicemanager_hwservice"))
+
+    def test_the_example_client_reaches_the_service_and_adb_shell_does_not(self):
+        examples = str(policy.binary_of(self.good, policy.EXAMPLES))
+        done = subprocess.run(["sesearch", "-A", "-s", "vesk_panel_client", "-t",
+                               "hal_veskdevicemanager_hwservice", "-c", "hwservice_manager",
+                               "-p", "find", examples], capture_output=True, text=True,
+                              check=True)
+        self.assertIn("find", done.stdout)
+        done = subprocess.run(["sesearch", "-T", "-s", "shell", "-t", "vesk_panel_client_exec",
+                               examples], capture_output=True, text=True, check=True)
+        self.assertEqual("", done.stdout.strip())
+
     # The policy gate.
 
     def test_a_neverallow_violation_names_the_project_rule(self):
@@ -141,6 +156,25 @@ class PolicyGatesTest(unittest.TestCase):
                            rf"^line {line}: unknown type vesk_no_such_exec "
                            r"\(a board without full Treble\)$")
 
+    def test_no_vendor_domain_may_run_reboot_on_a_full_treble_board(self):
+        # What setSystemShutDown's command needs, given to the shell helper on a full-Treble
+        # board: the platform keeps every vendor domain from /system's files.
+        ctx = self.context("reboot")
+        line = self.append(ctx, "vendor/vesk_hal_shell.te",
+                           "allow vesk_hal_shell system_file:file rx_file_perms;")
+        failure = self.failure(lambda c: policy.compile_policy(c, policy.BOARD), ctx)
+        self.assertFailure(
+            failure, "policy", "sepolicy/vendor/vesk_hal_shell.te",
+            rf"^line {line}: allow vesk_hal_shell system_file:file \{{ .*execute.* \}} breaks "
+            r"the neverallow of system/sepolicy/public/domain\.te:\d+ \(the full-Treble board "
+            r"policy(; \d+ more)?\)$")
+        # That neverallow (its block starts a few lines above the rule) is the one that keeps
+        # vendor components from /system's files.
+        rule_line = int(re.search(r"domain\.te:(\d+)", failure.violation).group(1))
+        domain_te = (self.tree / "system/sepolicy/public/domain.te").read_text().splitlines()
+        self.assertIn("# Do not allow vendor components access to /system files except for the",
+                      "\n".join(domain_te[rule_line - 1:rule_line + 4]))
+
     # The treble gate.
 
     def test_a_violator_attribute_fails_the_treble_gate(self):
@@ -156,8 +190,9 @@ class PolicyGatesTest(unittest.TestCase):
     # The contexts gate.
 
     def contexts_failure(self, name, file, old, new):
-        ctx = self.context(name)
-        ctx.policy = self.good.policy
+        # The good policies (the board's, the examples') over a copy of the folders.
+        ctx = Context(repo=self.context(name).repo, tree=self.tree, work=self.good.work,
+                      policy=self.good.policy)
         self.edit(ctx, file, old, new)
         return ctx, self.failure(policy.check_contexts, ctx)
 
@@ -171,12 +206,20 @@ class PolicyGatesTest(unittest.TestCase):
 
     def test_a_property_context_that_is_not_a_property_type_is_named(self):
         _, failure = self.contexts_failure("property-contexts", "vendor/property_contexts",
-                                           "persist.vendor.sc.log.level     u:object_r:vesk_prop",
+                                           "persist.vendor.sc.log.level     "
+                                           "u:object_r:vendor_vesk_prop",
                                            "persist.vendor.sc.log.level     "
                                            "u:object_r:sysfs_vesk_display")
         self.assertFailure(failure, "contexts", "sepolicy/vendor/property_contexts",
                            r"^line 2: persist\.vendor\.sc\.log\.level .*: sysfs_vesk_display is "
                            "not a property_type$")
+
+    def test_an_example_s_file_contexts_is_checked_against_the_examples_policy(self):
+        _, failure = self.contexts_failure("example-file-contexts", "native-client/file_contexts",
+                                           "vesk_panel_client_exec", "vesk_panel_client_bin")
+        self.assertFailure(failure, "contexts", "sepolicy/native-client/file_contexts",
+                           r"^line 2: /\(system_ext\|system/system_ext\)/bin/vesk_panel_client "
+                           r"+u:object_r:vesk_panel_client_bin:s0: invalid context$")
 
     def test_an_hwservice_context_without_its_type_is_named(self):
         _, failure = self.contexts_failure("hwservice-contexts", "vendor/hwservice_contexts",
