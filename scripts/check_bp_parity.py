@@ -58,8 +58,11 @@ PAIRS = {
 }
 
 DEVICE_ONLY = {
+    "vesk.hardware":
+        "hidl_package_root: where the board's build finds the vesk.hardware packages' .hal files",
     "vesk.hardware.veskdevicemanager":
-        "hidl_package_root: where the board's build finds the package's .hal files",
+        "aidl_interface: the board's build generates the stable-AIDL package's libraries; the "
+        "host runs the tree's aidl itself (interface/veskdevicemanager/aidl)",
     "vesk.hardware.veskdevicemanager@1.0":
         "hidl_interface: the board's build generates the package's C++ library (system and "
         "vendor variants) and Java library; the host runs hidl-gen for its C++ headers and its "

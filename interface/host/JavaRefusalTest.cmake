@@ -1,6 +1,6 @@
 # hidl-gen -L java refuses an interface that Java bindings cannot express, while the same package
 # is valid HIDL (-L check passes) and generates Java without it.
-#   cmake -DHIDL_GEN=path -DPACKAGE=interface/1.0 -DANDROID_HIDL=path -DWORK=dir
+#   cmake -DHIDL_GEN=path -DPACKAGE=interface/veskdevicemanager/1.0 -DANDROID_HIDL=path -DWORK=dir
 #         -P JavaRefusalTest.cmake
 cmake_minimum_required(VERSION 3.25)
 
@@ -10,15 +10,15 @@ function(run_probe name argument language out_status out_error)
     set(root ${WORK}/${name})
     file(REMOVE_RECURSE ${root})
     file(GLOB hals ${PACKAGE}/*.hal)
-    file(COPY ${hals} DESTINATION ${root}/1.0)
+    file(COPY ${hals} DESTINATION ${root}/veskdevicemanager/1.0)
     if(argument)
-        file(WRITE ${root}/1.0/IJavaProbe.hal
+        file(WRITE ${root}/veskdevicemanager/1.0/IJavaProbe.hal
             "package vesk.hardware.veskdevicemanager@1.0;\n"
             "interface IJavaProbe {\n    probe(${argument} value) generates (int32_t ret);\n};\n")
     endif()
     execute_process(
         COMMAND ${HIDL_GEN} -o ${root}/out -L ${language}
-            -r vesk.hardware.veskdevicemanager:${root} -r android.hidl:${ANDROID_HIDL}
+            -r vesk.hardware:${root} -r android.hidl:${ANDROID_HIDL}
             vesk.hardware.veskdevicemanager@1.0
         RESULT_VARIABLE status ERROR_VARIABLE error OUTPUT_QUIET)
     set(${out_status} ${status} PARENT_SCOPE)

@@ -14,7 +14,7 @@ const std::string kSource = VESK_SOURCE_DIR;
 TEST(InterfaceFreezeTest, EveryHalFileMatchesItsRecordedHash) {
     int status = -1;
     std::string hashes =
-            runCommand("hidl-gen -L hash -r vesk.hardware.veskdevicemanager:" + kSource +
+            runCommand("hidl-gen -L hash -r vesk.hardware:" + kSource +
                                "/interface -r android.hidl:" + kSource +
                                "/host/hidl/interfaces vesk.hardware.veskdevicemanager@1.0",
                        &status);
@@ -36,7 +36,7 @@ TEST(DeviceBuildFilesTest, NamesAgreeWithTheHostBuild) {
     std::string rc = readFile(kSource + "/default/vesk.hardware.veskdevicemanager@1.0-service.rc");
     std::string xml =
             readFile(kSource + "/default/vesk.hardware.veskdevicemanager@1.0-service.xml");
-    std::string hal = readFile(kSource + "/interface/1.0/Android.bp");
+    std::string hal = readFile(kSource + "/interface/veskdevicemanager/1.0/Android.bp");
     EXPECT_NE(std::string::npos, bp.find("name: \"vesk.hardware.veskdevicemanager@1.0-impl\""));
     EXPECT_NE(std::string::npos, bp.find("name: \"vesk.hardware.veskdevicemanager@1.0-service\""));
     EXPECT_NE(std::string::npos, bp.find("relative_install_path: \"hw\""));

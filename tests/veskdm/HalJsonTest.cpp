@@ -372,7 +372,7 @@ TEST(Arrays, ExactlySixteenBytes) {
 
 // The field names of a struct in types.hal, in order.
 std::vector<std::string> halFields(const std::string& structName) {
-    std::ifstream in(VESK_SOURCE_DIR "/interface/1.0/types.hal");
+    std::ifstream in(VESK_SOURCE_DIR "/interface/veskdevicemanager/1.0/types.hal");
     std::stringstream text;
     text << in.rdbuf();
     std::string all = text.str();

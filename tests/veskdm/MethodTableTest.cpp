@@ -41,7 +41,7 @@ TEST(MethodTable, FindsByName) {
 // "name(params) -> result" worked out from a declaration of IVeskDeviceManager.hal: a single
 // scalar result is returned directly, any other result goes through the result callback.
 std::vector<std::pair<std::string, std::string>> signaturesOfHal() {
-    std::ifstream in(VESK_SOURCE_DIR "/interface/1.0/IVeskDeviceManager.hal");
+    std::ifstream in(VESK_SOURCE_DIR "/interface/veskdevicemanager/1.0/IVeskDeviceManager.hal");
     std::regex declaration(R"(^\s+(\w+)\((.*)\) generates \((.*)\);\s*$)");
     std::regex scalar(R"(^(u?int(8|16|32|64)_t|float|double|bool) \w+$)");
     std::vector<std::pair<std::string, std::string>> signatures;
