@@ -26,6 +26,8 @@ class Context:
     work: Path  # a private scratch folder, removed after the run
     # Set by the policy gate: the board's policy compiled with the project's folders.
     policy: Optional[Path] = None
+    # Set by the first gate that needs it: the tree's aidl (aidl_tool.aidl).
+    aidl: Optional[Path] = None
     notes: list = field(default_factory=list)
 
 
