@@ -55,7 +55,8 @@ def main(argv):
     try:
         gate_table.check_tree(tree, selected)
         with tempfile.TemporaryDirectory(prefix="vesk-board-check-") as work:
-            context = Context(repo=Path(args.repo).resolve(), tree=tree.resolve(), work=Path(work))
+            context = Context(repo=Path(args.repo).resolve(), tree=tree.resolve(), work=Path(work),
+                              named_tree=Path(os.path.abspath(tree)))
             for name, gate in gate_table.GATES:
                 if name not in selected and name not in gate_table.needed_by(selected):
                     continue

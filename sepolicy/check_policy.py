@@ -43,7 +43,8 @@ AIDL_INSTANCE = "vesk.hardware.veskdevicemanager.IVeskDeviceManager/default"
 # Each front end's init .rc; the service program is the cc_binary of the same folder's Android.bp
 # that names it (the one board installs one).
 SERVICE_RCS = ["default/vesk.hardware.veskdevicemanager@1.0-service.rc",
-               "interface/veskdevicemanager/aidl/default/vesk.hardware.veskdevicemanager-service.rc"]
+               "interface/veskdevicemanager/aidl/default/"
+               "vesk.hardware.veskdevicemanager-service.rc"]
 # The folders of a full-Treble board, and the one a board without full Treble adds.
 BOARD_FOLDERS = ["system_ext/public", "system_ext/private", "vendor"]
 WITHOUT_FULL_TREBLE = "without-full-treble"

@@ -120,5 +120,5 @@ def check_aidl_api(ctx):
         check_interface(ctx, interface)
     ctx.notes.append(f"aidl-api: {len(found)} interface(s), "
                      f"{sum(len(i.versions) for i in found)} frozen version(s) checked in "
-                     f"{time.monotonic() - started - built:.1f} s (the tree's aidl ready in "
-                     f"{built:.1f} s)")
+                     f"{time.monotonic() - started - built:.1f} s (the tree's aidl built or "
+                     f"found up to date in {built:.1f} s)")

@@ -58,8 +58,8 @@ def generate(ctx, library, variant, gate):
                 "-h", str(out / "include"), "-o", str(out / "src"),
                 *[str(path) for path in sorted(folder.rglob("*.aidl"))]])
     if done.returncode != 0:
-        raise GateFailure(gate, library.interface.bp,
-                          f"{library.name}: aidl --lang=ndk: {first_line(done.stderr + done.stdout)}")
+        raise GateFailure(gate, library.interface.bp, f"{library.name}: aidl --lang=ndk: "
+                          f"{first_line(done.stderr + done.stdout)}")
     return out / "include", sorted((out / "src").rglob("*.cpp"))
 
 

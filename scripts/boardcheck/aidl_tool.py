@@ -52,7 +52,7 @@ def aidl(ctx, gate) -> Path:
                               "clang and libc++)")
         done = run(["cmake", "-S", str(PROJECT), "-B", str(folder), "-G", "Ninja",
                     f"-DCMAKE_C_COMPILER={compilers[0]}", f"-DCMAKE_CXX_COMPILER={compilers[1]}",
-                    f"-DVESK_ANDROID_TREE={ctx.tree}"])
+                    f"-DVESK_ANDROID_TREE={ctx.named_tree or ctx.tree}"])
         if done.returncode != 0:
             raise GateFailure(gate, str(PROJECT.relative_to(CHECKOUT)),
                               f"configure: {first_error(done.stderr + done.stdout)}")

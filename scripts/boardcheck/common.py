@@ -28,6 +28,9 @@ class Context:
     policy: Optional[Path] = None
     # Set by the first gate that needs it: the tree's aidl (aidl_tool.aidl).
     aidl: Optional[Path] = None
+    # The tree as the command line named it, absolute but with its links kept, as the host build
+    # names it (CMake's ABSOLUTE): the build of the tree's aidl is configured with this name.
+    named_tree: Optional[Path] = None
     notes: list = field(default_factory=list)
 
 

@@ -203,12 +203,14 @@ def common_includes(ctx):
     return common + ["-isystem", str(ctx.tree / BIONIC)]
 
 
-def unit(name, path: Path, flags, folders, common, objects: Path):
+def unit(name, path: Path, argument, flags, folders, common, objects: Path):
+    """A source's compile; `argument` names it to the compiler, which names it so in its errors
+    (a repository source by its path in the repository, where the compile runs)."""
     obj = objects / (name.replace("/", "_") + ".o")
     if any(Path(folder).name == NDK_MARK for folder in folders):
         flags = NDK_HOST_INCLUDE + flags
     return Unit(name, path, COMPILER + flags + ["-c", "-o", str(obj)] +
-                [f"-I{folder}" for folder in folders] + common + [str(path)])
+                [f"-I{folder}" for folder in folders] + common + [argument])
 
 
 def compile_units(ctx, modules, hidl_out: Path, objects: Path):
@@ -227,15 +229,15 @@ def compile_units(ctx, modules, hidl_out: Path, objects: Path):
         includes = folders.of(module)
         for source in sources:
             path = str(Path(module.folder) / source)
-            units.append(unit(path, ctx.repo / path, flags, includes, common, objects))
+            units.append(unit(path, ctx.repo / path, path, flags, includes, common, objects))
     for name, library in folders.ndk.items():
         for kind in sorted(folders.ndk_used.get(name, {"vendor"})):
             include, sources = aidl_ndk.generate(ctx, library, kind, "headers")
             flags = aidl_ndk.CFLAGS + (VENDOR_DEFINES if kind == "vendor" else [])
             includes = [str(include)] + [f for lib in aidl_ndk.EXPORTS
                                          for f in folders.exported(lib, None)]
-            units += [unit(aidl_ndk.source_name(ctx, source), source, flags, includes, common,
-                           objects) for source in sources]
+            units += [unit(aidl_ndk.source_name(ctx, source), source, str(source), flags,
+                           includes, common, objects) for source in sources]
     return units
 
 
