@@ -18,7 +18,7 @@ from concurrent.futures import ThreadPoolExecutor
 from dataclasses import dataclass
 from pathlib import Path
 
-from . import aidl_ndk
+from . import aidl_ndk, aidl_tool
 from .blueprints import Module, read_modules, read_tree_modules
 from .common import GateFailure, first_line, run
 
@@ -46,7 +46,7 @@ PLATFORM_LIBRARIES = {
 # the folder it exports.
 PLATFORM_HEADER_FOLDERS = {"jni_headers": "libnativehelper/include_jni"}
 TREE_FOLDERS = (TREE_INCLUDES + [HIDL_ROOT, BIONIC] + list(PLATFORM_LIBRARIES.values()) +
-                list(PLATFORM_HEADER_FOLDERS.values()) + aidl_ndk.aidl_tool.TREE_FOLDERS)
+                list(PLATFORM_HEADER_FOLDERS.values()) + aidl_tool.TREE_FOLDERS)
 
 # libutils, liblog and libcutils: the tree here has no copy, Debian's packages carry their
 # headers. The host's own C library and its folders (zlib, GoogleTest for the VTS module) are the
@@ -203,7 +203,7 @@ def common_includes(ctx):
     return common + ["-isystem", str(ctx.tree / BIONIC)]
 
 
-def unit(name, path: Path, argument, flags, folders, common, objects: Path):
+def compile_unit(name, path: Path, argument, flags, folders, common, objects: Path):
     """A source's compile; `argument` names it to the compiler, which names it so in its errors
     (a repository source by its path in the repository, where the compile runs)."""
     obj = objects / (name.replace("/", "_") + ".o")
@@ -229,15 +229,16 @@ def compile_units(ctx, modules, hidl_out: Path, objects: Path):
         includes = folders.of(module)
         for source in sources:
             path = str(Path(module.folder) / source)
-            units.append(unit(path, ctx.repo / path, path, flags, includes, common, objects))
+            units.append(compile_unit(path, ctx.repo / path, path, flags, includes, common,
+                                      objects))
     for name, library in folders.ndk.items():
         for kind in sorted(folders.ndk_used.get(name, {"vendor"})):
             include, sources = aidl_ndk.generate(ctx, library, kind, "headers")
             flags = aidl_ndk.CFLAGS + (VENDOR_DEFINES if kind == "vendor" else [])
             includes = [str(include)] + [f for lib in aidl_ndk.EXPORTS
                                          for f in folders.exported(lib, None)]
-            units += [unit(aidl_ndk.source_name(ctx, source), source, str(source), flags,
-                           includes, common, objects) for source in sources]
+            units += [compile_unit(aidl_ndk.source_name(ctx, source), source, str(source),
+                                   flags, includes, common, objects) for source in sources]
     return units
 
 

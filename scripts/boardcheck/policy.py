@@ -36,10 +36,10 @@ VENDOR_FOLDERS = ["sepolicy/vendor"]
 BOARD_FOLDERS = ["sepolicy/system_ext/public", "sepolicy/system_ext/private"] + VENDOR_FOLDERS
 WITHOUT_FULL_TREBLE = "sepolicy/without-full-treble"
 
-# The files checked against the compiled policy, and the attribute a type they name must have.
-# The first three are read by the service managers as NAME CONTEXT lines (libselinux's Android
-# backend: two fields, one line per name).
+# The service managers' contexts files: NAME CONTEXT lines (libselinux's Android backend, which
+# they read them with, takes two fields and one line per name).
 KEYED_CONTEXTS = ["hwservice_contexts", "service_contexts", "vndservice_contexts"]
+# The files checked against the compiled policy, and the attribute a type they name must have.
 CONTEXT_ATTRIBUTES = {
     "hwservice_contexts": "hwservice_manager_type",
     "property_contexts": "property_type",
