@@ -11,6 +11,7 @@ init_rc name them) and not the other's: one front end per board.
 import re
 import xml.etree.ElementTree as ElementTree
 from dataclasses import dataclass
+from pathlib import Path
 
 from .blueprints import read_modules
 from .common import GateFailure, first_line, run
@@ -168,7 +169,10 @@ def make_variables(ctx, choice):
               (f"{CHOICE} := {choice}\n" if choice else "") +
               f"include {ctx.repo / PRODUCT}\ninclude {ctx.repo / BOARD}\n" +
               "".join(f"$(info {name}=$({name}))\n" for name in names) + "all: ;\n")
-    done = run(["make", "--no-print-directory", "-s", "-f", "-"], input=driver)
+    try:
+        done = run(["make", "--no-print-directory", "-s", "-f", "-"], input=driver)
+    except FileNotFoundError:
+        raise GateFailure("vintf", "make", "not installed (GNU make reads the makefiles)") from None
     if done.returncode != 0:
         where = re.search(r"^(\S+?):\d+: \*\*\* (.*?)\.?\s+Stop\.", done.stderr, re.M)
         raise GateFailure("vintf", str(where.group(1)).replace(f"{ctx.repo}/", "") if where
@@ -179,10 +183,14 @@ def make_variables(ctx, choice):
 
 def installed(ctx, modules, packages, key):
     """The repository's files that the packages' modules install through `key` (vintf_fragments,
-    init_rc), and every such file any module names."""
+    init_rc; a ":name" is a filegroup's files), and every such file any module names."""
     def files(module):
-        return {str((ctx.repo / module.folder / f).relative_to(ctx.repo))
-                for f in module.props.get(key, []) if not f.startswith(":")}
+        found = set()
+        for name in module.props.get(key, []):
+            group = modules.get(name[1:]) if name.startswith(":") else None
+            owner, paths = (group, group.props.get("srcs", [])) if group else (module, [name])
+            found |= {str(Path(owner.folder) / path) for path in paths}
+        return found
     return ({f for p in packages if p in modules for f in files(modules[p])},
             {f for m in modules.values() for f in files(m)})
 

@@ -157,6 +157,18 @@ class VintfGateTest(unittest.TestCase):
                          "the aidl front end's: one front end per board",
                          self.failure(vintf.PRODUCT))
 
+    def test_a_fragment_named_through_a_filegroup_is_installed(self):
+        bp = self.copy.repo / vintf.AIDL_DEFAULT / "Android.bp"
+        bp.write_text(AIDL_SERVICE_BP.replace('["vesk.hardware.veskdevicemanager-service.xml"]',
+                                              '[":vesk.hardware.veskdevicemanager-service.xml"]') +
+                      'filegroup {\n    name: "vesk.hardware.veskdevicemanager-service.xml",\n'
+                      '    srcs: ["vesk.hardware.veskdevicemanager-service.xml"],\n}\n')
+        vintf.check_vintf(self.copy.context)
+        self.assertEqual([], self.copy.context.notes)
+        self.copy.edit(vintf.PRODUCT, "    vesk.hardware.veskdevicemanager-service \\\n", "")
+        self.assertEqual(f"with VESK_VESKDM_FRONT_END=aidl no package installs {AIDL.manifest}",
+                         self.failure(vintf.PRODUCT))
+
     def test_an_rc_that_no_package_installs_is_named(self):
         bp = self.copy.repo / "default/Android.bp"
         bp.write_text(bp.read_text().replace(
