@@ -2,11 +2,14 @@
 #     VESK_VESKDM_DIR := vendor/vesk/veskdm    # where this checkout sits in the tree
 #     include $(VESK_VESKDM_DIR)/BoardConfigVeskdevicemanager.mk
 # A board makefile cannot ask for its own folder ($(call my-dir) is for Android.mk files), hence
-# the variable; vendor/vesk/veskdm when it is not set. The modules are in veskdevicemanager.mk.
+# the variable; vendor/vesk/veskdm when it is not set. The modules are in veskdevicemanager.mk,
+# which reads the product makefile's VESK_VESKDM_FRONT_END (hidl or aidl) as this file does.
 
 VESK_VESKDM_DIR ?= vendor/vesk/veskdm
+VESK_VESKDM_FRONT_END ?= hidl
 
-# The service's domain and labels, and what the board's system apps need to call it.
+# The service's domain and labels, and what the board's system apps need to call it: one policy
+# for either front end (the same domain, each front end's interface labelled).
 BOARD_VENDOR_SEPOLICY_DIRS += $(VESK_VESKDM_DIR)/sepolicy/vendor
 SYSTEM_EXT_PUBLIC_SEPOLICY_DIRS += $(VESK_VESKDM_DIR)/sepolicy/system_ext/public
 SYSTEM_EXT_PRIVATE_SEPOLICY_DIRS += $(VESK_VESKDM_DIR)/sepolicy/system_ext/private
@@ -19,6 +22,13 @@ SYSTEM_EXT_PRIVATE_SEPOLICY_DIRS += $(VESK_VESKDM_DIR)/sepolicy/system_ext/priva
 # device (vts_treble_sys_prop_test). Their context, vendor_vesk_prop, is in the vendor namespace.
 BUILD_BROKEN_VENDOR_PROPERTY_NAMESPACE := true
 
-# The framework's side of the HAL the service's manifest fragment serves.
+# The framework's side of the HAL the chosen front end's manifest fragment serves.
+ifeq ($(VESK_VESKDM_FRONT_END),hidl)
 DEVICE_FRAMEWORK_COMPATIBILITY_MATRIX_FILE += \
     $(VESK_VESKDM_DIR)/default/framework_compatibility_matrix.xml
+else ifeq ($(VESK_VESKDM_FRONT_END),aidl)
+DEVICE_FRAMEWORK_COMPATIBILITY_MATRIX_FILE += \
+    $(VESK_VESKDM_DIR)/interface/veskdevicemanager/aidl/default/framework_compatibility_matrix.xml
+else
+$(error VESK_VESKDM_FRONT_END is "$(VESK_VESKDM_FRONT_END)": hidl or aidl)
+endif

@@ -7,21 +7,31 @@ TREE is an Android 13 source tree, or the parts of one that the gates read (../s
 in CI). Without TREE (and without $VESK_ANDROID_TREE) it prints one line saying what it skipped
 and exits 0. The gates, in order:
 
+  aidl-api   every aidl_interface's frozen versions checked as its rules check them, with the
+             tree's aidl (built by android/, the project's build of the platform's code, into
+             $VESK_PLATFORM_TOOLS_DIR/host, else build/android-tree/host) and hash_gen.sh: each
+             .hash right, each version compatible with the one before, the sources equal to
+             current, current equal to the last frozen version
   headers    every source of every device module of the Android.bp files compiles against the
-             tree's libhidl, libhwbinder and libfmq headers with libc++, as the board compiles it
+             tree's libhidl, libhwbinder and libfmq headers with libc++, as the board compiles it,
+             and the NDK code of each frozen AIDL version (made by the tree's aidl) and every
+             module that links it against the tree's libbinder_ndk headers
   policy     the project's policy folders compile together with the tree's system/sepolicy as
              the board build does, every neverallow enforced, full Treble (also with the
              examples' folders)
   treble     no type of the full-Treble policies carries a *_violators attribute
-  contexts   every file_contexts is valid against the compiled policy; every type of the
-             hwservice and property contexts exists with the right attribute
+  contexts   every file_contexts is valid against the compiled policy; the service managers'
+             contexts files (service_contexts, hwservice_contexts) are checked as checkfc checks
+             them; every type of those and the property contexts has the right attribute
   properties the vendor property_contexts pass the tree's check_prop_prefix.py as Soong runs it
              (strict unless the board fragment sets BUILD_BROKEN_VENDOR_PROPERTY_NAMESPACE),
              and every context starts with vendor_ whatever the flag
   platform-tests
              the tree's sepolicy_tests.py passes on the compiled policy with the platform's
              and the project's file_contexts (its libsepolwrap.so built in a scratch folder)
-  vintf      the framework matrix fragment and the device manifest fragment name the same HAL
+  vintf      for each front end (HIDL, stable AIDL), the framework matrix fragment, the device
+             manifest fragment and the .rc name the same HAL; the makefiles install one front
+             end's, the one VESK_VESKDM_FRONT_END chooses
 
 A failed gate prints three lines (the gate, the file, the first violation) and the check exits 1.
 A missing tree, or one that lacks a folder a gate needs, is one line and status 2.
@@ -55,7 +65,8 @@ def main(argv):
     try:
         gate_table.check_tree(tree, selected)
         with tempfile.TemporaryDirectory(prefix="vesk-board-check-") as work:
-            context = Context(repo=Path(args.repo).resolve(), tree=tree.resolve(), work=Path(work))
+            context = Context(repo=Path(args.repo).resolve(), tree=tree.resolve(), work=Path(work),
+                              named_tree=Path(os.path.abspath(tree)))
             for name, gate in gate_table.GATES:
                 if name not in selected and name not in gate_table.needed_by(selected):
                     continue

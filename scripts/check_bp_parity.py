@@ -72,6 +72,9 @@ DEVICE_ONLY = {
     "vesk_panel_client":
         "an example of a native system client (examples/native-client), which a board builds "
         "when it ships one; the headers gate compiles it",
+    "vesk_panel_client_aidl":
+        "the same example for the stable-AIDL front end (examples/native-client-aidl); the "
+        "headers gate compiles it with the NDK code of version 1",
     "vesk.hardware.veskdevicemanager@1.0-service":
         "the board's service host; on the host veskdm loads the -impl library itself",
 }

@@ -12,11 +12,12 @@ Treble adds without-full-treble too.
 - The service runs nothing in its own domain: no file execute_no_trans (rx_file_perms,
   x_file_perms) in its rules. Its shell (/vendor/bin/sh) runs in the shell helper's domain, and
   the mode tool in its own, which alone writes the display mode node.
-- The service binary of default/Android.bp is labelled with the domain's _exec type, and the
-  init .rc starts that binary.
-- hwservice_contexts names the interface.
+- Each front end's service program (HIDL: default/, stable AIDL: interface/veskdevicemanager/
+  aidl/default/), the one its init .rc starts and its Android.bp names with that .rc, is labelled
+  with the domain's _exec type: both run in the one domain.
+- hwservice_contexts names the HIDL interface, service_contexts the AIDL instance.
 - Every property the service reads or sets has a property_contexts line.
-- The .rc runs the service as the user and in the groups that the policy's "# groups:" line of
+- Each .rc runs the service as the user and in the groups that the policy's "# groups:" line of
   vendor/hal_veskdevicemanager.te assumes.
 - Every device node the service opens (an environment device, a serial channel) has a line in the
   ueventd fragment (default/ueventd.rc; the last line that matches, as ueventd takes it) that
@@ -31,10 +32,19 @@ import re
 import sys
 from pathlib import Path
 
+sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "scripts"))
+from check_bp_parity import blueprint_modules  # noqa: E402
+
 DOMAIN = "hal_veskdevicemanager_default"
 SHELL_DOMAIN = "vesk_hal_shell"
 MODE_TOOL_DOMAIN = "vesk_hdmimode"
 INTERFACE = "vesk.hardware.veskdevicemanager::IVeskDeviceManager"
+AIDL_INSTANCE = "vesk.hardware.veskdevicemanager.IVeskDeviceManager/default"
+# Each front end's init .rc; the service program is the cc_binary of the same folder's Android.bp
+# that names it (the one board installs one).
+SERVICE_RCS = ["default/vesk.hardware.veskdevicemanager@1.0-service.rc",
+               "interface/veskdevicemanager/aidl/default/"
+               "vesk.hardware.veskdevicemanager-service.rc"]
 # The folders of a full-Treble board, and the one a board without full Treble adds.
 BOARD_FOLDERS = ["system_ext/public", "system_ext/private", "vendor"]
 WITHOUT_FULL_TREBLE = "without-full-treble"
@@ -116,8 +126,8 @@ def property_covered(name, policy):
 UEVENTD = "default/ueventd.rc"
 
 
-def rc_service(repo):
-    rc = next((repo / "default").glob("*-service.rc")).read_text()
+def rc_service(path):
+    rc = path.read_text()
     binary = re.search(r"^service\s+\S+\s+(\S+)", rc, re.M).group(1)
     user = re.search(r"^\s+user\s+(\S+)", rc, re.M)
     groups = re.search(r"^\s+group\s+(.+)$", rc, re.M)
@@ -211,40 +221,61 @@ def check_domains(repo, policy, entries):
     return problems
 
 
+def bp_program(rc):
+    """The cc_binary of the .rc's folder's Android.bp whose init_rc names it; None without one."""
+    bp = rc.parent / "Android.bp"
+    modules = blueprint_modules(bp.read_text()) if bp.is_file() else []
+    return next((props["name"] for kind, props in modules
+                 if kind == "cc_binary" and rc.name in props.get("init_rc", [])), None)
+
+
+def check_service(repo, rc_path, entries, assumed_groups):
+    """The front end's program is labelled, its .rc starts it as the policy assumes."""
+    rc = repo / rc_path
+    if not rc.is_file():
+        return [f"{rc_path} is missing"], None
+    problems = []
+    binary, user, groups = rc_service(rc)
+    program = bp_program(rc)
+    if program and binary != f"/vendor/bin/hw/{program}":
+        problems.append(f"{rc_path} starts {binary}, not /vendor/bin/hw/{program}")
+    if label_of(binary, entries) != f"u:object_r:{DOMAIN}_exec:s0":
+        problems.append(f"{binary} (the service) is not labelled {DOMAIN}_exec")
+    if user != "system":
+        problems.append(f"{rc_path} runs the service as {user}, the policy assumes system")
+    for group in assumed_groups:
+        if group not in groups:
+            problems.append(f"{rc_path} does not give the service group {group}")
+    for group in groups:
+        if group not in assumed_groups:
+            problems.append(f"{rc_path} gives group {group}, which the policy does not assume")
+    return problems, user
+
+
 def check(repo, policy):
     entries = file_contexts(policy)
     te = (policy / "vendor/hal_veskdevicemanager.te").read_text()
     problems = check_domains(repo, policy, entries)
 
-    bp = (repo / "default/Android.bp").read_text()
-    service = re.search(r'cc_binary\s*\{[^}]*?name:\s*"([^"]+)"', bp, re.S).group(1)
-    binary = f"/vendor/bin/hw/{service}"
-    if label_of(binary, entries) != f"u:object_r:{DOMAIN}_exec:s0":
-        problems.append(f"{binary} (the service) is not labelled {DOMAIN}_exec")
-    rc_binary, user, groups = rc_service(repo)
-    if rc_binary != binary:
-        problems.append(f"the .rc starts {rc_binary}, not {binary}")
+    assumed = re.search(r"^# groups:\s*(.*)$", te, re.M)
+    assumed_groups = assumed.group(1).split() if assumed else []
+    users = []
+    for rc_path in SERVICE_RCS:
+        found, user = check_service(repo, rc_path, entries, assumed_groups)
+        problems += found
+        users.append(user)
 
     contexts = folder_text(policy, BOARD_FOLDERS, "hwservice_contexts").split()
     if INTERFACE not in contexts:
         problems.append(f"hwservice_contexts does not name {INTERFACE}")
+    if AIDL_INSTANCE not in folder_text(policy, BOARD_FOLDERS, "service_contexts").split():
+        problems.append(f"service_contexts does not name {AIDL_INSTANCE}")
 
     for name in service_properties(repo):
         if not property_covered(name, policy):
             problems.append(f"property {name} has no property_contexts line")
 
-    problems += check_device_nodes(repo, user)
-
-    assumed = re.search(r"^# groups:\s*(.*)$", te, re.M)
-    assumed_groups = assumed.group(1).split() if assumed else []
-    if user != "system":
-        problems.append(f"the .rc runs the service as {user}, the policy assumes system")
-    for group in assumed_groups:
-        if group not in groups:
-            problems.append(f"the .rc does not give the service group {group}")
-    for group in groups:
-        if group not in assumed_groups:
-            problems.append(f"the .rc gives group {group}, which the policy does not assume")
+    problems += check_device_nodes(repo, users[0])
     return problems
 
 

@@ -26,6 +26,11 @@ class Context:
     work: Path  # a private scratch folder, removed after the run
     # Set by the policy gate: the board's policy compiled with the project's folders.
     policy: Optional[Path] = None
+    # Set by the first gate that needs it: the tree's aidl (aidl_tool.aidl).
+    aidl: Optional[Path] = None
+    # The tree as the command line named it, absolute but with its links kept, as the host build
+    # names it (CMake's ABSOLUTE): the build of the tree's aidl is configured with this name.
+    named_tree: Optional[Path] = None
     notes: list = field(default_factory=list)
 
 

@@ -2,9 +2,10 @@
 from pathlib import Path
 
 from .common import BadTree
-from . import headers, platform_tests, policy, properties, vintf
+from . import aidl_api, headers, platform_tests, policy, properties, vintf
 
 GATES = [
+    ("aidl-api", aidl_api.check_aidl_api),
     ("headers", headers.check_headers),
     ("policy", policy.check_policy),
     ("treble", policy.check_treble),
@@ -19,6 +20,7 @@ NEEDS = {"treble": ["policy"], "contexts": ["policy"], "platform-tests": ["polic
 
 # The folders of the tree each gate reads.
 TREE_FOLDERS = {
+    "aidl-api": aidl_api.TREE_FOLDERS,
     "headers": headers.TREE_FOLDERS,
     "policy": policy.TREE_FOLDERS,
     "treble": policy.TREE_FOLDERS,

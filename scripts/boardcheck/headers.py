@@ -6,15 +6,20 @@ clang++ and libc++ against the tree's libhidl, libhwbinder and libfmq headers an
 C++ headers of the tree's own android.hidl .hal files. Only the folders a module's Android.bp
 gives it are on its include path, so host-only code (host/, tools/, tests/support) is out of
 reach of device sources.
+
+The stable-AIDL side compiles the same way: the NDK code of each frozen version of each
+aidl_interface, made by the tree's aidl (aidl_ndk.py; named by its path in the scratch folder),
+with the flags aidl_interface gives it, in the variant (vendor or core) of the modules that link
+it (vendor when none does); and every module that links NAME-VN-ndk gets its headers and what
+the platform's libbinder_ndk exports (the tree's include_ndk, include_platform, include_cpp).
 """
-import os
 import time
 from concurrent.futures import ThreadPoolExecutor
 from dataclasses import dataclass
 from pathlib import Path
 
-from check_bp_parity import blueprint_modules  # scripts/ is on the path of the driver and tests
-
+from . import aidl_ndk, aidl_tool
+from .blueprints import Module, read_modules, read_tree_modules
 from .common import GateFailure, first_line, run
 
 # The tree's headers the board compiles against, as system headers (-isystem).
@@ -30,7 +35,18 @@ HIDL_ROOT = "system/libhidl/transport"
 # What bionic declares and this host's C library lacks (sys/system_properties.h, included by
 # cutils/properties.h).
 BIONIC = "bionic-declarations"
-TREE_FOLDERS = TREE_INCLUDES + [HIDL_ROOT, BIONIC]
+
+# The platform's libraries whose headers are the tree's: what each exports is read from its
+# Android.bp there (export_include_dirs, and what it re-exports of the same file's modules).
+PLATFORM_LIBRARIES = {
+    "libbinder_ndk": "frameworks/native/libs/binder/ndk",
+    "libbase": "system/libbase",
+}
+# libbinder_ndk re-exports jni_headers, whose Android.bp (libnativehelper's) the tree here lacks:
+# the folder it exports.
+PLATFORM_HEADER_FOLDERS = {"jni_headers": "libnativehelper/include_jni"}
+TREE_FOLDERS = (TREE_INCLUDES + [HIDL_ROOT, BIONIC] + list(PLATFORM_LIBRARIES.values()) +
+                list(PLATFORM_HEADER_FOLDERS.values()) + aidl_tool.TREE_FOLDERS)
 
 # libutils, liblog and libcutils: the tree here has no copy, Debian's packages carry their
 # headers. The host's own C library and its folders (zlib, GoogleTest for the VTS module) are the
@@ -50,42 +66,36 @@ CC_KINDS = {"cc_library", "cc_library_shared", "cc_library_static", "cc_binary",
 LIBRARY_LISTS = ["header_libs", "static_libs", "whole_static_libs", "shared_libs"]
 EXPORT_LISTS = ["export_header_lib_headers", "export_static_lib_headers",
                 "export_shared_lib_headers"]
+# Soong's defines for a module's vendor variant.
+VENDOR_DEFINES = ["-D__ANDROID_VNDK__", "-D__ANDROID_VENDOR__"]
+# On glibc only, binder_status.h defines an __assert of its own that breaks a later <assert.h>
+# (bionic skips that block): units that see the NDK's headers take <assert.h> first.
+NDK_HOST_INCLUDE = ["-include", "assert.h"]
+NDK_MARK = "include_ndk"  # an include folder that tells a unit sees the NDK's headers
 JOBS = 2
 
 
 @dataclass
-class Module:
-    name: str
-    kind: str
-    folder: str  # repository-relative, "." for the top
-    bp: str  # its Android.bp, repository-relative
-    props: dict
-
-
-@dataclass
 class Unit:
-    source: str  # repository-relative
+    source: str  # repository-relative; a generated source's path in the scratch folder
+    path: Path  # the file, for its size
     command: list
 
 
-def read_modules(repo: Path):
-    """Every module of every Android.bp below repo (build trees left out), by name."""
+def variant(module):
+    return "vendor" if module.props.get("vendor") or module.props.get("soc_specific") else "core"
+
+
+def platform_modules(ctx):
+    """The tree's modules of the platform libraries the gate follows, by name."""
     modules = {}
-    for folder, subfolders, files in os.walk(repo):
-        here = Path(folder).relative_to(repo)
-        if here == Path("."):
-            subfolders[:] = [s for s in subfolders
-                             if not s.startswith(("build", ".")) and s != "out"]
-        subfolders.sort()
-        if "Android.bp" not in files:
-            continue
-        bp = here / "Android.bp"
-        try:
-            parsed = blueprint_modules((repo / bp).read_text())
-        except (ValueError, IndexError) as error:
-            raise GateFailure("headers", str(bp), f"cannot read it: {error}") from error
-        for kind, props in parsed:
-            modules[props["name"]] = Module(props["name"], kind, str(here), str(bp), props)
+    for folder in PLATFORM_LIBRARIES.values():
+        for name, module in read_tree_modules(ctx.tree / folder, "headers").items():
+            modules.setdefault(name, module)
+    for name, folder in PLATFORM_HEADER_FOLDERS.items():
+        path = ctx.tree / folder
+        modules[name] = Module(name, "cc_library_headers", str(path.parent), str(path),
+                               {"export_include_dirs": [path.name]})
     return modules
 
 
@@ -133,17 +143,29 @@ class IncludeFolders:
     def __init__(self, ctx, modules, hidl_out: Path, genrule_out: Path):
         self.ctx = ctx
         self.modules = modules
+        self.platform = platform_modules(ctx)
+        self.ndk = aidl_ndk.ndk_libraries(ctx, modules, "headers")
         self.hidl_out = hidl_out
         self.genrule_out = genrule_out
+        self.ndk_used = {}  # NDK library name -> the variants that modules link
 
-    def exported(self, name, seen=None):
+    def exported(self, name, user, seen=None):
         seen = set() if seen is None else seen
         if name in seen:
             return []
         seen.add(name)
-        module = self.modules.get(name)
+        if name in self.ndk:
+            self.ndk_used.setdefault(name, set()).add(variant(user))
+            include, _ = aidl_ndk.generate(self.ctx, self.ndk[name], variant(user), "headers")
+            return [str(include)] + [f for lib in aidl_ndk.EXPORTS
+                                     for f in self.exported(lib, user, seen)]
+        interface = aidl_ndk.unknown_version(name, self.ndk, self.modules)
+        if interface is not None:
+            raise GateFailure("headers", user.bp, f"{user.name}: {name} is no frozen version's "
+                              f"NDK library of {interface.name}")
+        module = self.modules.get(name) or self.platform.get(name)
         if module is None:
-            # A platform library, whose headers are among the common folders, or the board's
+            # A platform library whose headers are among the common folders, or the board's
             # libvesksdk, which exports none: its headers are libvesksdk_headers.
             return []
         if module.kind == "hidl_interface":
@@ -152,7 +174,7 @@ class IncludeFolders:
                    for f in module.props.get("export_include_dirs", [])]
         for key in EXPORT_LISTS:
             for lib in module.props.get(key, []):
-                folders += self.exported(lib, seen)
+                folders += self.exported(lib, user, seen)
         return folders
 
     def of(self, module):
@@ -162,7 +184,7 @@ class IncludeFolders:
         folders.append(str(base))
         for key in LIBRARY_LISTS:
             for lib in module.props.get(key, []):
-                folders += self.exported(lib)
+                folders += self.exported(lib, module)
         for name in module.props.get("generated_headers", []):
             genrule = self.modules.get(name)
             if genrule is None or genrule.kind != "genrule":
@@ -174,12 +196,26 @@ class IncludeFolders:
         return list(dict.fromkeys(folders))
 
 
-def compile_units(ctx, modules, hidl_out: Path, objects: Path):
-    """One compile command per source of every cc module."""
+def common_includes(ctx):
     common = [flag for folder in TREE_INCLUDES for flag in ("-isystem", str(ctx.tree / folder))]
     for folder in PLATFORM_INCLUDES:
         common += ["-isystem", folder]
-    common += ["-isystem", str(ctx.tree / BIONIC)]
+    return common + ["-isystem", str(ctx.tree / BIONIC)]
+
+
+def compile_unit(name, path: Path, argument, flags, folders, common, objects: Path):
+    """A source's compile; `argument` names it to the compiler, which names it so in its errors
+    (a repository source by its path in the repository, where the compile runs)."""
+    obj = objects / (name.replace("/", "_") + ".o")
+    if any(Path(folder).name == NDK_MARK for folder in folders):
+        flags = NDK_HOST_INCLUDE + flags
+    return Unit(name, path, COMPILER + flags + ["-c", "-o", str(obj)] +
+                [f"-I{folder}" for folder in folders] + common + [argument])
+
+
+def compile_units(ctx, modules, hidl_out: Path, objects: Path):
+    """One compile command per source of every cc module, then of the NDK libraries' code."""
+    common = common_includes(ctx)
     folders = IncludeFolders(ctx, modules, hidl_out, ctx.work / "genrule")
     units = []
     for module in modules.values():
@@ -188,14 +224,21 @@ def compile_units(ctx, modules, hidl_out: Path, objects: Path):
             continue
         flags = defaults_cflags(module, modules) + module.props.get("cflags", []) + \
             module.props.get("cppflags", [])
-        if module.props.get("vendor") or module.props.get("soc_specific"):
-            flags += ["-D__ANDROID_VNDK__", "-D__ANDROID_VENDOR__"]  # as Soong's vendor variant
-        includes = [f"-I{folder}" for folder in folders.of(module)]
+        if variant(module) == "vendor":
+            flags += VENDOR_DEFINES
+        includes = folders.of(module)
         for source in sources:
             path = str(Path(module.folder) / source)
-            obj = objects / (path.replace("/", "_") + ".o")
-            units.append(Unit(path, COMPILER + flags + ["-c", "-o", str(obj)] + includes +
-                              common + [path]))
+            units.append(compile_unit(path, ctx.repo / path, path, flags, includes, common,
+                                      objects))
+    for name, library in folders.ndk.items():
+        for kind in sorted(folders.ndk_used.get(name, {"vendor"})):
+            include, sources = aidl_ndk.generate(ctx, library, kind, "headers")
+            flags = aidl_ndk.CFLAGS + (VENDOR_DEFINES if kind == "vendor" else [])
+            includes = [str(include)] + [f for lib in aidl_ndk.EXPORTS
+                                         for f in folders.exported(lib, None)]
+            units += [compile_unit(aidl_ndk.source_name(ctx, source), source, str(source),
+                                   flags, includes, common, objects) for source in sources]
     return units
 
 
@@ -217,7 +260,7 @@ def check_headers(ctx, sources=None):
         compile_sources(ctx, sources)
     except FileNotFoundError as error:
         raise GateFailure("headers", error.filename, "not installed (hidl-gen, clang++ with "
-                          "libc++)") from None
+                          "libc++, cmake and ninja for the tree's aidl)") from None
 
 
 def compile_sources(ctx, sources):
@@ -235,7 +278,7 @@ def compile_sources(ctx, sources):
         units = [unit for unit in units if unit.source in wanted]
 
     # The largest sources first, so that the longest compile does not start last.
-    order = sorted(units, key=lambda unit: -size(ctx.repo / unit.source))
+    order = sorted(units, key=lambda unit: -size(unit.path))
     start = time.monotonic()
     with ThreadPoolExecutor(max_workers=JOBS) as pool:
         results = dict(zip((unit.source for unit in order),

@@ -36,6 +36,9 @@ VENDOR_FOLDERS = ["sepolicy/vendor"]
 BOARD_FOLDERS = ["sepolicy/system_ext/public", "sepolicy/system_ext/private"] + VENDOR_FOLDERS
 WITHOUT_FULL_TREBLE = "sepolicy/without-full-treble"
 
+# The service managers' contexts files: NAME CONTEXT lines (libselinux's Android backend, which
+# they read them with, takes two fields and one line per name).
+KEYED_CONTEXTS = ["hwservice_contexts", "service_contexts", "vndservice_contexts"]
 # The files checked against the compiled policy, and the attribute a type they name must have.
 CONTEXT_ATTRIBUTES = {
     "hwservice_contexts": "hwservice_manager_type",
@@ -374,23 +377,57 @@ def numbered_lines(path):
             yield number, text.strip()
 
 
+def check_context_validity(ctx, policy, path, checked=None):
+    """setfiles -c: every context of a file_contexts (`checked`, else path itself) exists in the
+    policy (libsepol's context check). A failure names path's line with the context."""
+    done = run(["setfiles", "-c", str(policy), str(checked or path)])
+    if done.returncode != 0:
+        bad = re.search(r"invalid context (\S+)", done.stdout + done.stderr)
+        line = next((f"line {n}: {text}" for n, text in numbered_lines(path)
+                     if bad and bad.group(1) in text.split()), None)
+        raise GateFailure("contexts", shown(ctx, path),
+                          f"{line}: invalid context" if line
+                          else first_line(done.stderr + done.stdout))
+
+
 def check_file_contexts(ctx, policy, folders):
     for path in context_files(ctx, "file_contexts", folders):
-        done = run(["setfiles", "-c", str(policy), str(path)])
-        if done.returncode != 0:
-            bad = re.search(r"invalid context (\S+)", done.stdout + done.stderr)
-            line = next((f"line {n}: {text}" for n, text in numbered_lines(path)
-                         if bad and bad.group(1) in text.split()), None)
-            raise GateFailure("contexts", shown(ctx, path),
-                              f"{line}: invalid context" if line
-                              else first_line(done.stderr + done.stdout))
+        check_context_validity(ctx, policy, path)
+
+
+def check_keyed_contexts(ctx, policy):
+    """What the platform's checkfc -s (-l, -v) checks of a service_contexts (hwservice_contexts,
+    vndservice_contexts) file, Debian having no checkfc: each line is NAME CONTEXT, no name
+    twice, and every context is valid in the policy, checked by setfiles -c (the same libsepol
+    check checkfc makes) on the contexts written as a file_contexts; the attribute checkfc asks of
+    each type is check_contexts' next step."""
+    for name in KEYED_CONTEXTS:
+        for path in context_files(ctx, name):
+            first = {}
+            for number, text in numbered_lines(path):
+                fields = text.split()
+                if len(fields) != 2:
+                    raise GateFailure("contexts", shown(ctx, path),
+                                      f"line {number}: {text}: not NAME CONTEXT")
+                if fields[0] in first:
+                    raise GateFailure("contexts", shown(ctx, path),
+                                      f"line {number}: {fields[0]} again (line "
+                                      f"{first[fields[0]]}): one context per name")
+                first[fields[0]] = number
+            checked = ctx.work / f"{path.parent.name}.{name}.file_contexts"
+            checked.write_text("".join(f"/{number} {text.split()[1]}\n"
+                                       for number, text in numbered_lines(path)))
+            check_context_validity(ctx, policy, path, checked)
 
 
 def check_contexts(ctx):
     """Every file_contexts is valid against the policy (an example's against the policy with the
-    examples); every type of the other contexts files exists with the attribute its file needs."""
+    examples); every service manager's contexts file is well formed and valid against it; every
+    type of the contexts files other than file_contexts exists with the attribute its file
+    needs."""
     check_file_contexts(ctx, ctx.policy, BOARD_FOLDERS)
     check_file_contexts(ctx, binary_of(ctx, EXAMPLES), EXAMPLE_FOLDERS)
+    check_keyed_contexts(ctx, ctx.policy)
     attributes_of = {}
     for name, attribute in CONTEXT_ATTRIBUTES.items():
         for path in context_files(ctx, name):

@@ -91,15 +91,30 @@ class PolicyCheckTest(unittest.TestCase):
                       self.problems())
 
     def test_an_unlabelled_service_binary_is_named(self):
-        self.edit("vendor/file_contexts", "u:object_r:hal_veskdevicemanager_default_exec:s0",
+        self.edit("vendor/file_contexts", "@1\\.0-service    u:object_r:"
+                  "hal_veskdevicemanager_default_exec:s0", "@1\\.0-service    u:object_r:"
+                  "vendor_file:s0")
+        self.assertEqual(["/vendor/bin/hw/vesk.hardware.veskdevicemanager@1.0-service (the "
+                          "service) is not labelled hal_veskdevicemanager_default_exec"],
+                         self.problems())
+
+    def test_the_aidl_service_binary_is_labelled_too(self):
+        self.edit("vendor/file_contexts", "veskdevicemanager-service        u:object_r:"
+                  "hal_veskdevicemanager_default_exec:s0", "veskdevicemanager-service        "
                   "u:object_r:vendor_file:s0")
-        self.assertIn("/vendor/bin/hw/vesk.hardware.veskdevicemanager@1.0-service (the service) "
-                      "is not labelled hal_veskdevicemanager_default_exec", self.problems())
+        self.assertEqual(["/vendor/bin/hw/vesk.hardware.veskdevicemanager-service (the service) "
+                          "is not labelled hal_veskdevicemanager_default_exec"], self.problems())
 
     def test_a_missing_interface_is_named(self):
         (self.policy / "vendor/hwservice_contexts").write_text("")
         self.assertIn("hwservice_contexts does not name "
                       "vesk.hardware.veskdevicemanager::IVeskDeviceManager", self.problems())
+
+    def test_a_missing_aidl_instance_is_named(self):
+        (self.policy / "vendor/service_contexts").write_text("")
+        self.assertEqual(["service_contexts does not name "
+                          "vesk.hardware.veskdevicemanager.IVeskDeviceManager/default"],
+                         self.problems())
 
     def test_a_property_without_a_line_is_named(self):
         self.edit("vendor/property_contexts", "persist.vendor.sc.log.level", "persist.vendor.other")
@@ -107,18 +122,36 @@ class PolicyCheckTest(unittest.TestCase):
                       self.problems())
 
     def test_groups_of_the_rc_and_the_policy_agree(self):
+        for name in check_policy.SERVICE_RCS:
+            with self.subTest(name):
+                repo = self.copy_repo()
+                rc = repo / name
+                rc.write_text(rc.read_text().replace("group system", "group system dialout"))
+                self.assertEqual([f"{name} gives group dialout, which the policy does not "
+                                  "assume"], self.problems(repo))
+                rc.write_text(rc.read_text().replace("user system", "user root"))
+                self.assertIn(f"{name} runs the service as root, the policy assumes system",
+                              self.problems(repo))
+                shutil.rmtree(repo)
+
+    def test_the_rc_starts_the_program_its_android_bp_names(self):
         repo = self.copy_repo()
-        rc = next((repo / "default").glob("*-service.rc"))
-        rc.write_text(rc.read_text().replace("group system", "group system dialout"))
-        self.assertIn("the .rc gives group dialout, which the policy does not assume",
-                      self.problems(repo))
-        rc.write_text(rc.read_text().replace("user system", "user root"))
-        self.assertIn("the .rc runs the service as root, the policy assumes system",
-                      self.problems(repo))
+        rc = repo / check_policy.SERVICE_RCS[0]
+        rc.write_text(rc.read_text().replace("@1.0-service\n", "@1.0-service-lazy\n"))
+        found = self.problems(repo)
+        self.assertIn(f"{check_policy.SERVICE_RCS[0]} starts /vendor/bin/hw/"
+                      "vesk.hardware.veskdevicemanager@1.0-service-lazy, not /vendor/bin/hw/"
+                      "vesk.hardware.veskdevicemanager@1.0-service", found)
+
+    def test_a_missing_rc_is_named(self):
+        repo = self.copy_repo()
+        (repo / check_policy.SERVICE_RCS[1]).unlink()
+        self.assertEqual([f"{check_policy.SERVICE_RCS[1]} is missing"], self.problems(repo))
 
     def copy_repo(self):
         repo = self.work / "repo"
-        for part in ["default", "vesksdk/sim/include/vesk/sim"]:
+        for part in ["default", "interface/veskdevicemanager/aidl/default",
+                     "vesksdk/sim/include/vesk/sim"]:
             shutil.copytree(REPO / part, repo / part)
         return repo
 

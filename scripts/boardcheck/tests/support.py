@@ -11,6 +11,9 @@ from boardcheck.common import Context
 
 REPO = Path(__file__).resolve().parents[3]
 TREE = os.environ.get("VESK_ANDROID_TREE")
+# What the vintf gate reads: each front end's folder and the two makefiles.
+VINTF_PARTS = ["default", "interface/veskdevicemanager/aidl/default", "veskdevicemanager.mk",
+               "BoardConfigVeskdevicemanager.mk"]
 
 
 class Copy:

@@ -21,6 +21,7 @@ from boardcheck.tests.support import compiled_policies
 
 REPO = Path(__file__).resolve().parents[3]
 TREE = os.environ.get("VESK_ANDROID_TREE")
+AIDL_INSTANCE = re.escape("vesk.hardware.veskdevicemanager.IVeskDeviceManager/default")
 
 
 def android_tree():
@@ -109,10 +110,43 @@ class PolicyGatesTest(unittest.TestCase):
         self.assertEqual("", self.sesearch("-s", "shell", "-t",
                                            "hal_veskdevicemanager_hwservice"))
 
+    def test_system_apps_reach_the_aidl_service_and_untrusted_apps_do_not(self):
+        for app in ("system_app", "platform_app"):
+            self.assertEqual(f"allow {app} hal_veskdevicemanager_service:service_manager find;",
+                             self.sesearch("-s", app, "-t", "hal_veskdevicemanager_service",
+                                           "-c", "service_manager"))
+            self.assertIn("call", self.sesearch("-s", app, "-t", "hal_veskdevicemanager_default",
+                                                "-c", "binder", "-p", "call"))
+        self.assertEqual("", self.sesearch("-s", "untrusted_app", "-t",
+                                           "hal_veskdevicemanager_service"))
+        self.assertEqual("", self.sesearch("-s", "untrusted_app", "-t",
+                                           "hal_veskdevicemanager_default", "-c", "binder"))
+
+    def test_only_the_server_registers_the_aidl_service(self):
+        self.assertEqual("allow hal_veskdevicemanager_server hal_veskdevicemanager_service:"
+                         "service_manager { add find };",
+                         self.sesearch("-t", "hal_veskdevicemanager_service", "-c",
+                                       "service_manager", "-p", "add"))
+        self.assertIn("hal_veskdevicemanager_server servicemanager:binder { call transfer }",
+                      self.sesearch("-s", "hal_veskdevicemanager_default", "-t",
+                                    "servicemanager", "-c", "binder"))
+
+    def test_adb_shell_finds_the_aidl_service_but_may_not_call_it(self):
+        # The platform lets the shell find nearly every service (public/shell.te), not call it.
+        self.assertEqual("allow shell hal_veskdevicemanager_service:service_manager find;",
+                         self.sesearch("-s", "shell", "-t", "hal_veskdevicemanager_service"))
+        self.assertEqual("", self.sesearch("-s", "shell", "-t", "hal_veskdevicemanager_default",
+                                           "-c", "binder", "-p", "call"))
+
     def test_the_example_client_reaches_the_service_and_adb_shell_does_not(self):
         examples = str(policy.binary_of(self.good, policy.EXAMPLES))
         done = subprocess.run(["sesearch", "-A", "-s", "vesk_panel_client", "-t",
                                "hal_veskdevicemanager_hwservice", "-c", "hwservice_manager",
+                               "-p", "find", examples], capture_output=True, text=True,
+                              check=True)
+        self.assertIn("find", done.stdout)
+        done = subprocess.run(["sesearch", "-A", "-s", "vesk_panel_client", "-t",
+                               "hal_veskdevicemanager_service", "-c", "service_manager",
                                "-p", "find", examples], capture_output=True, text=True,
                               check=True)
         self.assertIn("find", done.stdout)
@@ -218,16 +252,64 @@ class PolicyGatesTest(unittest.TestCase):
         _, failure = self.contexts_failure("example-file-contexts", "native-client/file_contexts",
                                            "vesk_panel_client_exec", "vesk_panel_client_bin")
         self.assertFailure(failure, "contexts", "sepolicy/native-client/file_contexts",
-                           r"^line 2: /\(system_ext\|system/system_ext\)/bin/vesk_panel_client "
+                           r"^line 3: /\(system_ext\|system/system_ext\)/bin/vesk_panel_client "
                            r"+u:object_r:vesk_panel_client_bin:s0: invalid context$")
 
     def test_an_hwservice_context_without_its_type_is_named(self):
         _, failure = self.contexts_failure("hwservice-contexts", "vendor/hwservice_contexts",
                                            "hal_veskdevicemanager_hwservice",
+                                           "hal_veskdevicemanager_hidl")
+        self.assertFailure(failure, "contexts", "sepolicy/vendor/hwservice_contexts",
+                           "^line 1: vesk.hardware.veskdevicemanager::IVeskDeviceManager +"
+                           "u:object_r:hal_veskdevicemanager_hidl:s0: invalid context$")
+
+    def test_an_hwservice_context_of_the_aidl_service_type_is_named(self):
+        _, failure = self.contexts_failure("hwservice-type", "vendor/hwservice_contexts",
+                                           "hal_veskdevicemanager_hwservice",
                                            "hal_veskdevicemanager_service")
         self.assertFailure(failure, "contexts", "sepolicy/vendor/hwservice_contexts",
                            "^line 1: vesk.hardware.veskdevicemanager::IVeskDeviceManager .*: "
-                           "no type hal_veskdevicemanager_service$")
+                           "hal_veskdevicemanager_service is not a hwservice_manager_type$")
+
+    # The service managers' contexts files, as checkfc checks them.
+
+    def test_an_unknown_type_in_service_contexts_is_named(self):
+        _, failure = self.contexts_failure("service-contexts", "vendor/service_contexts",
+                                           "hal_veskdevicemanager_service",
+                                           "hal_veskdevicemanager_services")
+        self.assertFailure(failure, "contexts", "sepolicy/vendor/service_contexts",
+                           rf"^line 1: {AIDL_INSTANCE} +u:object_r:"
+                           r"hal_veskdevicemanager_services:s0: invalid context$")
+
+    def test_a_service_context_with_a_wrong_role_is_named(self):
+        _, failure = self.contexts_failure("service-role", "vendor/service_contexts",
+                                           "u:object_r:hal_veskdevicemanager_service",
+                                           "u:r:hal_veskdevicemanager_service")
+        self.assertFailure(failure, "contexts", "sepolicy/vendor/service_contexts",
+                           r"^line 1: .* +u:r:hal_veskdevicemanager_service:s0: invalid context$")
+
+    def test_a_service_context_that_is_not_a_service_type_is_named(self):
+        _, failure = self.contexts_failure("service-type", "vendor/service_contexts",
+                                           "hal_veskdevicemanager_service",
+                                           "hal_veskdevicemanager_hwservice")
+        self.assertFailure(failure, "contexts", "sepolicy/vendor/service_contexts",
+                           rf"^line 1: {AIDL_INSTANCE} .*: hal_veskdevicemanager_hwservice is "
+                           r"not a service_manager_type$")
+
+    def test_a_service_named_twice_is_named(self):
+        line = "vesk.hardware.veskdevicemanager.IVeskDeviceManager/default    " \
+               "u:object_r:hal_veskdevicemanager_service:s0\n"
+        _, failure = self.contexts_failure("service-twice", "vendor/service_contexts", line,
+                                           line + "# again\n" + line)
+        self.assertFailure(failure, "contexts", "sepolicy/vendor/service_contexts",
+                           rf"^line 3: {AIDL_INSTANCE} again \(line 1\): one context per name$")
+
+    def test_a_service_line_without_a_context_is_named(self):
+        _, failure = self.contexts_failure("service-fields", "vendor/hwservice_contexts",
+                                           "    u:object_r:", " extra u:object_r:")
+        self.assertFailure(failure, "contexts", "sepolicy/vendor/hwservice_contexts",
+                           r"^line 1: vesk\.hardware\.veskdevicemanager::IVeskDeviceManager extra "
+                           r"u:object_r:hal_veskdevicemanager_hwservice:s0: not NAME CONTEXT$")
 
 
 if __name__ == "__main__":
