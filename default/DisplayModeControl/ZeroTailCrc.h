@@ -29,9 +29,10 @@ inline uint32_t zeroTailCrc32(const uint8_t* data, size_t size) {
     const size_t zeros = zeroTailLength(data, size);
     const uLong head = crc32(0, data, static_cast<uInt>(size - zeros));
     if (zeros == 0) return static_cast<uint32_t>(head);
-    // The CRC of n zero bytes is the all-ones preset carried through n zero bytes, inverted:
-    // by the linearity crc32_combine() rests on, crc32_combine(0xffffffff, 0xffffffff, n).
-    const auto run = static_cast<z_off_t>(zeros);
-    const uLong zeroRun = crc32_combine(0xffffffffUL, 0xffffffffUL, run);
-    return static_cast<uint32_t>(crc32_combine(head, zeroRun, run));
+    // n zero bytes carry the CRC register through a linear map M, and zlib inverts the register
+    // before and after: crc(head, zeros) = M(crc(head) ^ ~0) ^ ~0. crc32_combine(a, b, n) is
+    // M(a) ^ b.
+    constexpr uLong kInverted = 0xffffffffUL;
+    return static_cast<uint32_t>(
+            crc32_combine(head ^ kInverted, kInverted, static_cast<z_off_t>(zeros)));
 }
