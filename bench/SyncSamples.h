@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <initializer_list>
 #include <string>
 #include <utility>
 #include <vector>
@@ -33,6 +34,21 @@ class SyncSamples {
             ~Stop() { samples->add(start, now()); }
         } stop{this, start};
         return work();
+    }
+
+    // One run made of the last run of each of `pieces`: timed in turns within a round, the parts
+    // of a flow are compared with it as their sum per round, whose median is what the flow's
+    // is compared with (with times skewed to the right, more than the sum of the medians).
+    void addSumOfLast(std::initializer_list<const SyncSamples*> pieces) {
+        double cpu = 0;
+        double real = 0;
+        for (const SyncSamples* piece : pieces) {
+            if (piece->mCpu.empty()) return;
+            cpu += piece->mCpu.back();
+            real += piece->mReal.back();
+        }
+        mCpu.push_back(cpu);
+        mReal.push_back(real);
     }
 
     void report(benchmark::State& state) const {

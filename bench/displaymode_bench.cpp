@@ -133,7 +133,7 @@ void loadOnce() {
 
 // Every call changes the stored mode (two sizes in turn; the part in between stores a third);
 // the selection is already stored. Parts: a load, and a save on a freshly loaded object (its
-// load not timed), as the flow's one save is.
+// load not timed), as the flow's one save is, and their sum per round.
 void BM_FlowWithOneSaveAndItsParts(benchmark::State& state) {
     const BenchRoot& root = benchRoot();
     recordCommands();
@@ -147,6 +147,7 @@ void BM_FlowWithOneSaveAndItsParts(benchmark::State& state) {
     SyncSamples flow("flow");
     SyncSamples load("load");
     SyncSamples save("save");
+    SyncSamples parts("parts");
     bool fullHd = false;
     for (auto _ : state) {
         fullHd = !fullHd;
@@ -164,16 +165,15 @@ void BM_FlowWithOneSaveAndItsParts(benchmark::State& state) {
             state.SkipWithError("not saved");
             break;
         }
+        parts.addSumOfLast({&load, &save});
     }
-    flow.report(state);
-    load.report(state);
-    save.report(state);
+    for (const SyncSamples* samples : {&flow, &load, &save, &parts}) samples->report(state);
 }
 BENCHMARK(BM_FlowWithOneSaveAndItsParts)->Iterations(150)->Repetitions(1);
 
 // The first application on a factory environment (restored before each round, not timed): the
 // mode, the best-mode flag and hdmimode change. Parts: a load, a save on a freshly loaded object
-// and two more saves on the same object, as the flow makes them.
+// and two more saves on the same object, as the flow makes them, and their sum per round.
 void BM_FactoryFlowAndItsParts(benchmark::State& state) {
     const BenchRoot& root = benchRoot();
     recordCommands();
@@ -186,7 +186,9 @@ void BM_FactoryFlowAndItsParts(benchmark::State& state) {
     SyncSamples flow("flow");
     SyncSamples load("load");
     SyncSamples save("save");
-    SyncSamples laterSave("later_save");
+    SyncSamples bestModeSave("bestmode_save");
+    SyncSamples hdmiModeSave("hdmimode_save");
+    SyncSamples parts("parts");
     bool flip = false;
     for (auto _ : state) {
         flip = !flip;
@@ -200,21 +202,20 @@ void BM_FactoryFlowAndItsParts(benchmark::State& state) {
         load.time(loadOnce);
         auto env = std::make_unique<Ubootenv>();
         settle();
-        // The flow leaves "false" and "999p60hz"; these differ from them. Each later save starts
-        // after the sync that ends the save before it.
+        // The flow leaves "false" and "999p60hz"; these differ from them. The later saves start
+        // after the sync that ends the save before them, as the flow's do.
         if (save.time([&] { return env->updateValue(kCustomModeVar, kPartModes[flip]); }) != 0 ||
-            laterSave.time([&] { return env->updateValue("ubootenv.var.is.bestmode", "true"); }) !=
-                    0 ||
-            laterSave.time(
+            bestModeSave.time(
+                    [&] { return env->updateValue("ubootenv.var.is.bestmode", "true"); }) != 0 ||
+            hdmiModeSave.time(
                     [&] { return env->updateValue("ubootenv.var.hdmimode", "1080p60hz"); }) != 0) {
             state.SkipWithError("not saved");
             break;
         }
+        parts.addSumOfLast({&load, &save, &bestModeSave, &hdmiModeSave});
     }
-    flow.report(state);
-    load.report(state);
-    save.report(state);
-    laterSave.report(state);
+    for (const SyncSamples* samples : {&flow, &load, &save, &bestModeSave, &hdmiModeSave, &parts})
+        samples->report(state);
 }
 BENCHMARK(BM_FactoryFlowAndItsParts)->Iterations(100)->Repetitions(1);
 

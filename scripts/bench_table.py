@@ -101,17 +101,15 @@ def ratio_rows(figures):
             "libubootenv set + store (one copy)", "about 2x")
     cvt = figures.median("BM_PartCalculateCvt", "cpu_time") if figures.has(
         "BM_PartCalculateCvt") else 0.0
-    flow = "BM_FlowWithOneSaveAndItsParts"
-    if figures.has(flow, "flow_cpu"):
-        parts = figures.counter(flow, "load_cpu") + figures.counter(flow, "save_cpu") + cvt
-        add("output-mode flow, one save, CPU median", figures.counter(flow, "flow_cpu"), parts,
-            "load + CVT + save", "<= 1.20x")
-    factory = "BM_FactoryFlowAndItsParts"
-    if figures.has(factory, "flow_cpu"):
-        parts = (figures.counter(factory, "load_cpu") + figures.counter(factory, "save_cpu") +
-                 2 * figures.counter(factory, "later_save_cpu") + cvt)
-        add("factory flow, three saves, CPU median", figures.counter(factory, "flow_cpu"), parts,
-            "load + CVT + 3 saves", "<= 1.20x")
+    # A flow against its parts' sum per round (their median), the CVT calculation added.
+    for flow, work, anchor in (
+            ("BM_FlowWithOneSaveAndItsParts", "output-mode flow, one save, CPU median",
+             "load + CVT + save"),
+            ("BM_FactoryFlowAndItsParts", "factory flow, three saves, CPU median",
+             "load + CVT + 3 saves")):
+        if figures.has(flow, "parts_cpu"):
+            add(work, figures.counter(flow, "flow_cpu"), figures.counter(flow, "parts_cpu") + cvt,
+                anchor, "<= 1.20x")
     if figures.has("BM_CalculateCvtReducedBlanking") and figures.has(
             "BM_LibxcvtGenModeInfoReduced"):
         add("CVT reduced blanking, CPU", figures.median("BM_CalculateCvtReducedBlanking",
