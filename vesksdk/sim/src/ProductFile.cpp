@@ -1,5 +1,6 @@
 #include "vesk/sim/ProductFile.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstddef>
 #include <cstring>
@@ -178,7 +179,7 @@ ProductDescription loadProductDescription() {
 
 void loadProductRecord(char* record) {
     if (useMadeBefore(textReadWithoutTheLock(), [&](const ParsedProduct& made) {
-            memcpy(record, made.record.data(), made.record.size());
+            std::copy(made.record.begin(), made.record.end(), record);
         }))
         return;
     fillProductRecord(loadProductDescription(), record);
