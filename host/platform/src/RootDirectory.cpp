@@ -83,6 +83,8 @@ std::shared_ptr<const RootDirectory> openRootDirectory(const std::string& root) 
         State state = stateOf(directory->fd(), identity);
         if (state == State::Kept) return directory;
         if (state == State::Lost) directory->disown();
+        std::lock_guard<std::mutex> lock(kept.mutex);
+        if (kept.directory == directory) kept.directory = nullptr;
     }
     auto fresh = std::make_shared<const RootDirectory>(
             open(root.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
