@@ -1,21 +1,21 @@
 // calculateResolutionParameters on model 8470 end to end (the mode tool recorded, the
-// environment on a file in a temporary root) against the sum of its parts measured alone: one
-// environment load, the saves the flow makes (each an updateValue of a changed value), one CVT
-// calculation. Saves end in fdatasync, so real time is noisy: run with repetitions (the ratios
-// use the medians; random interleaving spreads the disk's moods over all of them), e.g.
-//   displaymode_bench --benchmark_repetitions=10 --benchmark_enable_random_interleaving=true
-//                     --benchmark_report_aggregates_only=true --benchmark_min_time=0.3
+// environment on a file in a temporary root) against its parts: one environment load, the saves
+// the flow makes (each an updateValue of a changed value) and one CVT calculation. The flow and
+// its parts are timed in turns within each round (SyncSamples.h), so that the disk's moods fall
+// on both alike; scripts/bench.sh adds the parts up and prints the ratios.
 #include <benchmark/benchmark.h>
 #include <cutils/properties.h>
+#include <fcntl.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <fstream>
-#include <map>
 #include <memory>
 #include <sstream>
 #include <string>
 
+#include "SyncSamples.h"
 #include "Ubootenv.h"
 #include "VeskDeviceManager.h"
 #include "VideoTimingCaculator.h"
@@ -30,13 +30,19 @@ using vesk::hardware::veskdevicemanager::implementation::VideoTimingCaculator;
 using vesk::hardware::veskdevicemanager::V1_0::IVeskDeviceManager;
 using vesk::hardware::veskdevicemanager::V1_0::VeskEffeResolution;
 
-constexpr char kFullHd[] =
-        "66587,59934,138500,2080,160,48,32,80,1920,1111,31,3,5,23,1080,1,0,1,16,9,1,1";
-constexpr char kHd[] = "44444,59979,64000,1440,160,48,32,80,1280,741,21,3,5,13,720,1,0,1,16,9,1,1";
+// What the parts store: custom modes the flows never make (1920 x 1200 and 1280 x 800), so that
+// every save of a part and of a flow changes the stored value.
+constexpr char kPartModes[2][80] = {
+        "74038,59950,154000,2080,160,48,32,80,1920,1235,35,3,6,26,1200,1,0,1,8,5,1,1",
+        "49306,59910,71000,1440,160,48,32,80,1280,823,23,3,6,14,800,1,0,1,8,5,1,1"};
+constexpr char kCustomModeVar[] = "ubootenv.var.custom_mode";
 
 // A fresh device root of its own (factory environment), removed at exit. The service's lines
 // and the environment store's are off, as on a board at its default levels for the service;
 // the level properties are still read before every line that would be written.
+struct BenchRoot;
+const BenchRoot& benchRoot();
+
 struct BenchRoot {
     BenchRoot() {
         char pattern[] = "/tmp/vesk-bench-XXXXXX";
@@ -57,14 +63,32 @@ struct BenchRoot {
         content << in.rdbuf();
         return content.str();
     }
-    void restoreFactoryEnvironment() const {
-        std::ofstream out(envPath, std::ios::binary | std::ios::trunc);
-        out << factoryImage;
+    // Written over the old bytes and synced: the file keeps its blocks, and no timed save
+    // pays for writing back the restored image.
+    bool restoreFactoryEnvironment() const {
+        int fd = open(envPath.c_str(), O_WRONLY | O_CLOEXEC);
+        if (fd < 0) return false;
+        bool done = pwrite(fd, factoryImage.data(), factoryImage.size(), 0) ==
+                            static_cast<ssize_t>(factoryImage.size()) &&
+                    fdatasync(fd) == 0;
+        return close(fd) == 0 && done;
     }
     std::string path;
     std::string envPath;
     std::string factoryImage;
 };
+
+// Each timed piece starts as the flow does, just after a wait for the disk: whatever ran on the
+// processor meanwhile has left its caches to others, and a piece measured straight after another
+// one would find them warm. One page is written to a file of its own and synced, not timed.
+void settle() {
+    static const std::string scratch = vesk::host::pathBelowRoot(benchRoot().path, "/data/settle");
+    static const std::string page(4096, 's');
+    int fd = open(scratch.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
+    if (fd < 0) return;
+    if (pwrite(fd, page.data(), page.size(), 0) == static_cast<ssize_t>(page.size())) fdatasync(fd);
+    close(fd);
+}
 
 const BenchRoot& benchRoot() {
     static const BenchRoot root;
@@ -101,102 +125,118 @@ int savesOf(const std::function<void()>& flow) {
     return saves;
 }
 
-// Every call changes the stored mode (two sizes in turn); the selection is already stored.
-void BM_FlowChangingTheMode(benchmark::State& state) {
+// The load part: one object made and freed, as the flow's control makes and frees its own.
+void loadOnce() {
+    Ubootenv env;
+    benchmark::DoNotOptimize(env.initDone);
+}
+
+// Every call changes the stored mode (two sizes in turn; the part in between stores a third);
+// the selection is already stored. Parts: a load, and a save on a freshly loaded object (its
+// load not timed), as the flow's one save is, and their sum per round.
+void BM_FlowWithOneSaveAndItsParts(benchmark::State& state) {
     const BenchRoot& root = benchRoot();
     recordCommands();
     auto service = HIDL_FETCH_IVeskDeviceManager("default");
-    root.restoreFactoryEnvironment();
+    if (!root.restoreFactoryEnvironment()) {
+        state.SkipWithError("no factory environment");
+        return;
+    }
     apply(*service, 1280, 720);
     state.counters["saves"] = savesOf([&] { apply(*service, 1920, 1080); });
+    SyncSamples flow("flow");
+    SyncSamples load("load");
+    SyncSamples save("save");
+    SyncSamples parts("parts");
     bool fullHd = false;
     for (auto _ : state) {
         fullHd = !fullHd;
-        if (apply(*service, fullHd ? 1920 : 1280, fullHd ? 1080 : 720) != 1) {
+        settle();
+        if (flow.time([&] { return apply(*service, fullHd ? 1920 : 1280, fullHd ? 1080 : 720); }) !=
+            1) {
             state.SkipWithError("not applied");
             break;
         }
+        settle();
+        load.time(loadOnce);
+        auto env = std::make_unique<Ubootenv>();
+        settle();
+        if (save.time([&] { return env->updateValue(kCustomModeVar, kPartModes[fullHd]); }) != 0) {
+            state.SkipWithError("not saved");
+            break;
+        }
+        parts.addSumOfLast({&load, &save});
     }
+    for (const SyncSamples* samples : {&flow, &load, &save, &parts}) samples->report(state);
 }
-BENCHMARK(BM_FlowChangingTheMode);
+BENCHMARK(BM_FlowWithOneSaveAndItsParts)->Iterations(150)->Repetitions(1);
 
-// The first application on a factory environment: mode, best-mode flag and hdmimode change.
-void BM_FlowOnAFactoryEnvironment(benchmark::State& state) {
+// The first application on a factory environment (restored before each round, not timed): the
+// mode, the best-mode flag and hdmimode change. Parts: a load, a save on a freshly loaded object
+// and two more saves on the same object, as the flow makes them, and their sum per round.
+void BM_FactoryFlowAndItsParts(benchmark::State& state) {
     const BenchRoot& root = benchRoot();
     recordCommands();
     auto service = HIDL_FETCH_IVeskDeviceManager("default");
-    root.restoreFactoryEnvironment();
+    if (!root.restoreFactoryEnvironment()) {
+        state.SkipWithError("no factory environment");
+        return;
+    }
     state.counters["saves"] = savesOf([&] { apply(*service, 1920, 1080); });
+    SyncSamples flow("flow");
+    SyncSamples load("load");
+    SyncSamples save("save");
+    SyncSamples bestModeSave("bestmode_save");
+    SyncSamples hdmiModeSave("hdmimode_save");
+    SyncSamples parts("parts");
+    bool flip = false;
     for (auto _ : state) {
-        state.PauseTiming();
-        root.restoreFactoryEnvironment();
-        state.ResumeTiming();
-        if (apply(*service, 1920, 1080) != 1) {
+        flip = !flip;
+        // The restore ends in a sync, as settle() does.
+        if (!root.restoreFactoryEnvironment() ||
+            flow.time([&] { return apply(*service, 1920, 1080); }) != 1) {
             state.SkipWithError("not applied");
             break;
         }
+        settle();
+        load.time(loadOnce);
+        auto env = std::make_unique<Ubootenv>();
+        settle();
+        // The flow leaves "false" and "999p60hz"; these differ from them. The later saves start
+        // after the sync that ends the save before them, as the flow's do.
+        if (save.time([&] { return env->updateValue(kCustomModeVar, kPartModes[flip]); }) != 0 ||
+            bestModeSave.time(
+                    [&] { return env->updateValue("ubootenv.var.is.bestmode", "true"); }) != 0 ||
+            hdmiModeSave.time(
+                    [&] { return env->updateValue("ubootenv.var.hdmimode", "1080p60hz"); }) != 0) {
+            state.SkipWithError("not saved");
+            break;
+        }
+        parts.addSumOfLast({&load, &save, &bestModeSave, &hdmiModeSave});
     }
+    for (const SyncSamples* samples : {&flow, &load, &save, &bestModeSave, &hdmiModeSave, &parts})
+        samples->report(state);
 }
-BENCHMARK(BM_FlowOnAFactoryEnvironment);
+BENCHMARK(BM_FactoryFlowAndItsParts)->Iterations(100)->Repetitions(1);
 
-// For information: the same with the device root's mode tool stand-in run through the shell.
-void BM_FlowChangingTheModeWithTheShell(benchmark::State& state) {
+// For information: the flow with the device root's mode tool stand-in run through the shell.
+void BM_FlowWithTheShell(benchmark::State& state) {
     benchRoot();
     vesk::host::setShellRecorder(nullptr);
     auto service = HIDL_FETCH_IVeskDeviceManager("default");
+    SyncSamples flow("flow");
     bool fullHd = false;
     for (auto _ : state) {
         fullHd = !fullHd;
-        benchmark::DoNotOptimize(apply(*service, fullHd ? 1920 : 1280, fullHd ? 1080 : 720));
+        benchmark::DoNotOptimize(flow.time(
+                [&] { return apply(*service, fullHd ? 1920 : 1280, fullHd ? 1080 : 720); }));
     }
+    flow.report(state);
     recordCommands();
 }
-BENCHMARK(BM_FlowChangingTheModeWithTheShell);
+BENCHMARK(BM_FlowWithTheShell)->Iterations(100)->Repetitions(1);
 
-void BM_PartEnvironmentLoad(benchmark::State& state) {
-    benchRoot().restoreFactoryEnvironment();
-    for (auto _ : state) {
-        Ubootenv env;
-        benchmark::DoNotOptimize(env.initDone);
-    }
-}
-BENCHMARK(BM_PartEnvironmentLoad);
-
-void BM_PartEnvironmentSave(benchmark::State& state) {
-    benchRoot().restoreFactoryEnvironment();
-    Ubootenv env;
-    bool fullHd = false;
-    for (auto _ : state) {
-        fullHd = !fullHd;
-        if (env.updateValue("ubootenv.var.custom_mode", fullHd ? kFullHd : kHd) != 0) {
-            state.SkipWithError("not saved");
-            break;
-        }
-    }
-}
-BENCHMARK(BM_PartEnvironmentSave);
-
-// The same save on a freshly loaded object, as the flow makes it: the first write into a new
-// image buffer costs more than rewriting a warm one. Loading and freeing are not timed.
-void BM_PartEnvironmentSaveAfterALoad(benchmark::State& state) {
-    benchRoot().restoreFactoryEnvironment();
-    bool fullHd = false;
-    for (auto _ : state) {
-        state.PauseTiming();
-        fullHd = !fullHd;
-        auto env = std::make_unique<Ubootenv>();
-        state.ResumeTiming();
-        if (env->updateValue("ubootenv.var.custom_mode", fullHd ? kFullHd : kHd) != 0) {
-            state.SkipWithError("not saved");
-            break;
-        }
-        state.PauseTiming();
-        env.reset();
-        state.ResumeTiming();
-    }
-}
-BENCHMARK(BM_PartEnvironmentSaveAfterALoad);
-
+// The CVT part, as the flow's verify() asks for it.
 void BM_PartCalculateCvt(benchmark::State& state) {
     VideoTimingCaculator calculator;
     for (auto _ : state) {
@@ -206,61 +246,12 @@ void BM_PartCalculateCvt(benchmark::State& state) {
 }
 BENCHMARK(BM_PartCalculateCvt);
 
-// The console table, then each flow against the sum of its parts.
-class RatioReporter : public benchmark::ConsoleReporter {
-  public:
-    void ReportRuns(const std::vector<Run>& runs) override {
-        ConsoleReporter::ReportRuns(runs);
-        for (const Run& run : runs) {
-            if (run.aggregate_name != "median" && run.run_type == Run::RT_Aggregate) continue;
-            Figures& figures = mFigures[run.run_name.function_name];
-            figures.cpu = run.GetAdjustedCPUTime();
-            figures.real = run.GetAdjustedRealTime();
-            auto saves = run.counters.find("saves");
-            if (saves != run.counters.end()) figures.saves = saves->second.value;
-        }
-    }
-    void Finalize() override {
-        ConsoleReporter::Finalize();
-        for (const char* flow : {"BM_FlowChangingTheMode", "BM_FlowOnAFactoryEnvironment"}) {
-            printRatio(flow, "BM_PartEnvironmentSaveAfterALoad");
-            printRatio(flow, "BM_PartEnvironmentSave");
-        }
-    }
-
-  private:
-    struct Figures {
-        double cpu = 0;
-        double real = 0;
-        double saves = 0;
-    };
-    bool has(const char* name) const { return mFigures.count(name) != 0; }
-    // Flow time over load + saves x save + CVT, for CPU and real time.
-    void printRatio(const std::string& flow, const char* savePart) {
-        if (!has(flow.c_str()) || !has("BM_PartEnvironmentLoad") || !has(savePart) ||
-            !has("BM_PartCalculateCvt"))
-            return;
-        const Figures& f = mFigures[flow];
-        const Figures& load = mFigures["BM_PartEnvironmentLoad"];
-        const Figures& save = mFigures[savePart];
-        const Figures& cvt = mFigures["BM_PartCalculateCvt"];
-        double cpuParts = load.cpu + f.saves * save.cpu + cvt.cpu;
-        double realParts = load.real + f.saves * save.real + cvt.real;
-        printf("%s / (load + %.0f x %s + CVT): CPU %.0f / %.0f ns = %.3f, real %.0f / %.0f ns = "
-               "%.3f\n",
-               flow.c_str(), f.saves, savePart + 3, f.cpu, cpuParts, f.cpu / cpuParts, f.real,
-               realParts, f.real / realParts);
-    }
-    std::map<std::string, Figures> mFigures;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-    RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
+    benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
     printf("mode tool runs recorded: %d\n", gCommands);
     return 0;

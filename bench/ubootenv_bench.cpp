@@ -1,6 +1,7 @@
 // Loading the environment and updating one value with its save: Ubootenv side by side with
 // libubootenv doing the same on the same kind of partition (128 KiB, two plain copies of the
 // factory environment; libubootenv is given copy A as a single-copy environment).
+// scripts/bench.sh puts the two side by side in its table of ratios.
 #include <benchmark/benchmark.h>
 #include <cutils/properties.h>
 #include <libuboot.h>
@@ -11,6 +12,7 @@
 
 #include <string>
 
+#include "SyncSamples.h"
 #include "Ubootenv.h"
 #include "vesk/host/DeviceRoot.h"
 
@@ -40,6 +42,19 @@ const std::string& benchRoot() {
 
 std::string envPath() {
     return vesk::host::pathBelowRoot(benchRoot(), vesk::host::kEnvPartition);
+}
+
+// Copy A of the partition as a file of its own.
+bool copyCopyA(const std::string& from, const std::string& to) {
+    FILE* in = fopen(from.c_str(), "rbe");
+    if (in == nullptr) return false;
+    std::string copy(65536, '\0');
+    bool read = fread(copy.data(), 1, copy.size(), in) == copy.size();
+    fclose(in);
+    FILE* out = fopen(to.c_str(), "wbe");
+    if (out == nullptr) return false;
+    bool written = read && fwrite(copy.data(), 1, copy.size(), out) == copy.size();
+    return fclose(out) == 0 && written;
 }
 
 // libubootenv configured as fw_printenv is, with one line per environment: copy A alone.
@@ -85,37 +100,41 @@ void BM_LibubootenvLoad(benchmark::State& state) {
 }
 BENCHMARK(BM_LibubootenvLoad);
 
-void BM_UbootenvUpdateValue(benchmark::State& state) {
-    benchRoot();
-    Ubootenv env;
-    bool flip = false;
-    for (auto _ : state) {
-        flip = !flip;
-        if (env.updateValue("ubootenv.var.hdmimode", flip ? "720p60hz" : "1080p60hz") != 0) {
-            state.SkipWithError("update failed");
-        }
-    }
-}
-BENCHMARK(BM_UbootenvUpdateValue);
-
-void BM_LibubootenvSetAndStore(benchmark::State& state) {
-    uboot_ctx* ctx = openLibuboot(envPath());
-    if (ctx == nullptr || libuboot_open(ctx) < 0) {
-        state.SkipWithError("load failed");
+// One value changed and saved, in turns with libubootenv doing the same on an image of its own
+// (copy A of the partition, as a single-copy environment): both wait for the disk, so both are
+// timed run by run (SyncSamples.h). Ubootenv writes and syncs both copies, libubootenv one.
+void BM_UpdateValueAgainstLibubootenv(benchmark::State& state) {
+    const std::string libubootenvImage = benchRoot() + "/data/libubootenv.env";
+    if (!copyCopyA(envPath(), libubootenvImage)) {
+        state.SkipWithError("no image for libubootenv");
         return;
     }
+    uboot_ctx* ctx = openLibuboot(libubootenvImage);
+    if (ctx == nullptr || libuboot_open(ctx) < 0) {
+        state.SkipWithError("libubootenv load failed");
+        return;
+    }
+    Ubootenv env;
+    SyncSamples veskdm("veskdm");
+    SyncSamples libubootenv("libubootenv");
     bool flip = false;
     for (auto _ : state) {
         flip = !flip;
-        if (libuboot_set_env(ctx, "hdmimode", flip ? "720p60hz" : "1080p60hz") < 0 ||
-            libuboot_env_store(ctx) < 0) {
-            state.SkipWithError("store failed");
+        const char* mode = flip ? "720p60hz" : "1080p60hz";
+        if (veskdm.time([&] { return env.updateValue("ubootenv.var.hdmimode", mode); }) != 0 ||
+            libubootenv.time([&] {
+                return libuboot_set_env(ctx, "hdmimode", mode) < 0 ? -1 : libuboot_env_store(ctx);
+            }) < 0) {
+            state.SkipWithError("update failed");
+            break;
         }
     }
+    veskdm.report(state);
+    libubootenv.report(state);
     libuboot_close(ctx);
     libuboot_exit(ctx);
 }
-BENCHMARK(BM_LibubootenvSetAndStore);
+BENCHMARK(BM_UpdateValueAgainstLibubootenv)->Iterations(200)->Repetitions(1);
 
 }  // namespace
 

@@ -15,12 +15,12 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <zlib.h>
 
 #include <algorithm>
 
 #include "DevicePaths.h"
 #include "VeskPlatform.h"
+#include "ZeroTailCrc.h"
 
 const char* PROFIX_UBOOTENV_VAR = "ubootenv.var.";
 
@@ -120,7 +120,7 @@ void rememberCrcWords(int fd, uint32_t words[2]) {
 }
 
 uint32_t dataCrc(const uint8_t* data, uint32_t size) {
-    return static_cast<uint32_t>(crc32(0, data, size));
+    return zeroTailCrc32(data, size);
 }
 
 }  // namespace

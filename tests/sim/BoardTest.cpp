@@ -170,6 +170,41 @@ TEST_F(BoardTest, SetProductInfoStoresTheDhcpWord) {
     EXPECT_EQ(-1, bi_info_set_product_info(nullptr));
 }
 
+// The library keeps what it made of the product file's text; any other text is read afresh,
+// whoever wrote it and however (here in place, as a person editing it would).
+TEST_F(BoardTest, ProductFileRewrittenBehindTheLibraryIsReadAgain) {
+    char record[VESK_PRODUCT_RECORD_SIZE] = {};
+    ASSERT_EQ(0, bi_info_get_product_info(record));
+    ASSERT_STREQ("8470", record + 64);
+    const std::string file = root / "/data/vesksdk/product.json";
+    std::string text = readFile(file);
+    size_t model = text.find("\"8470\"");
+    ASSERT_NE(std::string::npos, model);
+    text.replace(model, 6, "\"8471\"");
+    writeFile(file, text);
+    ASSERT_EQ(0, bi_info_get_product_info(record));
+    EXPECT_STREQ("8471", record + 64);
+    EXPECT_STREQ("true", record + 2016);
+}
+
+// A text without every key is completed with the factory values each time it is read, even one
+// read before.
+TEST_F(BoardTest, ProductFileMissingAKeyIsCompletedEachTimeItIsRead) {
+    char record[VESK_PRODUCT_RECORD_SIZE] = {};
+    ASSERT_EQ(0, bi_info_get_product_info(record));
+    const std::string file = root / "/data/vesksdk/product.json";
+    const std::string partial = "{\"model_id\": \"8471\"}\n";
+    for (int round = 0; round < 2; ++round) {
+        writeFile(file, partial);
+        ASSERT_EQ(0, bi_info_get_product_info(record));
+        EXPECT_STREQ("8471", record + 64);
+        EXPECT_STREQ("true", record + 2016);
+        std::string completed = readFile(file);
+        EXPECT_NE(std::string::npos, completed.find("\"use_dhcp\": \"true\"")) << completed;
+        EXPECT_NE(std::string::npos, completed.find("\"model_id\": \"8471\"")) << completed;
+    }
+}
+
 TEST_F(BoardTest, WatchdogConfigurationAndDevice) {
     vesk_watchdog_record record{};
     EXPECT_EQ(0, bi_watchdog_parse(&record));

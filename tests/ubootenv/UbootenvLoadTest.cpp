@@ -211,6 +211,39 @@ TEST_F(UbootenvLoadTest, BothCopiesBadFailAfterFiveTries) {
     EXPECT_EQ(-3, env.readPartitionData());
 }
 
+// The CRC covers the whole data area: bytes after the end mark count, and so does a change
+// anywhere in the zero bytes that usually fill it.
+TEST_F(UbootenvLoadTest, BytesAfterTheEndMarkAreCoveredByTheCrc) {
+    std::string data = dataArea(envStrings(factoryVariables()));
+    data[40000] = 'x';
+    data[65531] = 'y';
+    std::string copy = envCopy(data);
+    writeDevice(kEnvDevice, copy + copy);
+    Ubootenv env;
+    EXPECT_TRUE(env.initDone);
+    EXPECT_EQ(factoryVariables(), attributeList(env));
+    EXPECT_EQ(loadedLog(), takeEnvLog());
+}
+
+TEST_F(UbootenvLoadTest, AByteChangedInTheZeroTailFailsTheCheck) {
+    Variables listB = {{"hdmimode", "2160p60hz"}};
+    for (size_t at : {size_t{30000}, size_t{65531}}) {
+        std::string copyA = envCopy(dataArea(envStrings(factoryVariables())));
+        copyA[4 + at] = '\x01';  // after the CRC was set
+        writeDevice(kEnvDevice, twoCopies(copyA, envCopy(dataArea(envStrings(listB)))));
+        Ubootenv env;
+        EXPECT_EQ(listB, attributeList(env)) << at;
+        std::string crcLine = "[ubootenv] CRC Check SYS_LOGE save_crc=" + hex8(storedCrc(copyA, 0)) +
+                              ", crcCalc = " + hex8(crcOf(copyA.substr(4))) + " \n";
+        EXPECT_EQ((EnvLogs{loadedLog()[0],
+                           {kError, "readPartitionData", crcLine},
+                           {kInfo, "readPartitionData", "first env error, try second....\n"},
+                           loadedLog()[1]}),
+                  takeEnvLog())
+                << at;
+    }
+}
+
 // Edge case: an all-zero data area with its CRC.
 TEST_F(UbootenvLoadTest, AllZeroDataAreaGivesOneEmptyNode) {
     std::string copy = envCopy(std::string(65532, '\0'));

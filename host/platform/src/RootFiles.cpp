@@ -16,12 +16,15 @@
 #include <climits>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <vector>
 
 #if __has_include(<linux/openat2.h>)
 #include <linux/openat2.h>
 #define VESK_HAVE_OPENAT2 1
 #endif
+
+#include "RootDirectory.h"
 
 namespace vesk::host {
 namespace {
@@ -259,11 +262,11 @@ using Opener = int (*)(int rootFd, const std::vector<std::string>& parts, int fl
 
 int openWith(Opener opener, const std::string& root, const std::string& path, int flags,
              mode_t mode) {
-    Fd rootFd(openRoot(root));
-    if (rootFd.get() < 0) return -1;
+    std::shared_ptr<const RootDirectory> rootDir = openRootDirectory(root);
+    if (rootDir == nullptr) return -1;
     const bool truncate = (flags & O_TRUNC) != 0;
     // Truncation waits until the file is known to be this one name's alone.
-    Fd fd(opener(rootFd.get(), components(path), (flags & ~O_TRUNC) | O_CLOEXEC, mode));
+    Fd fd(opener(rootDir->fd(), components(path), (flags & ~O_TRUNC) | O_CLOEXEC, mode));
     if (fd.get() < 0) return -1;
     if (writesTo(flags)) {
         // Type and link count only: asking for the times as well would make the next write

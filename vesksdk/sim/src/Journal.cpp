@@ -51,14 +51,16 @@ std::vector<nlohmann::json> Journal::memory() {
 
 void Journal::record(const char* function, const nlohmann::json& args,
                      const nlohmann::json& result) {
-    // Built by hand so that the members keep this order in the file. A string argument need
-    // not be UTF-8 (a path is any bytes): its bad bytes are written as U+FFFD.
-    constexpr auto kReplace = nlohmann::json::error_handler_t::replace;
-    std::string line = "{\"function\":" + nlohmann::json(function).dump(-1, ' ', false, kReplace) +
-                       ",\"args\":" + args.dump(-1, ' ', false, kReplace) +
-                       ",\"return\":" + result.dump(-1, ' ', false, kReplace) + "}\n";
     std::lock_guard<std::mutex> lock(mMutex);
     if (mFd >= 0) {
+        // Built by hand so that the members keep this order in the file. A string argument need
+        // not be UTF-8 (a path is any bytes): its bad bytes are written as U+FFFD. Only made when
+        // there is a file to write it to: every board call passes here.
+        constexpr auto kReplace = nlohmann::json::error_handler_t::replace;
+        std::string line =
+                "{\"function\":" + nlohmann::json(function).dump(-1, ' ', false, kReplace) +
+                ",\"args\":" + args.dump(-1, ' ', false, kReplace) +
+                ",\"return\":" + result.dump(-1, ' ', false, kReplace) + "}\n";
         // One write per line: with O_APPEND, lines of concurrent writers never interleave.
         const char* data = line.data();
         std::size_t left = line.size();

@@ -15,8 +15,7 @@ int bi_info_get_product_info(void* record) {
             .out(record, VESK_PRODUCT_RECORD_SIZE)
             .run([&] {
                 if (!record) return -1;
-                vesk::sim::fillProductRecord(vesk::sim::loadProductDescription(),
-                                             static_cast<char*>(record));
+                vesk::sim::loadProductRecord(static_cast<char*>(record));
                 return 0;
             });
 }

@@ -1,8 +1,11 @@
 #include "vesk/sim/ProductFile.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstddef>
 #include <cstring>
+#include <mutex>
+#include <optional>
 
 #include "vesk/sim/StateFile.h"
 #include "vesksdk_records.h"
@@ -29,10 +32,41 @@ bool isMac(const std::string& value) {
     return true;
 }
 
+// The last complete description made, its record, and the text of the file they came from. The
+// board library reads the file on every call that asks for the model (each output-mode change
+// does), and parsing it and filling the record cost more than the rest of such a call: the same
+// text gives the same description and record without either.
+struct ParsedProduct {
+    std::mutex mutex;
+    std::string text;
+    ProductDescription description;
+    std::string record;
+};
+
+ParsedProduct& lastParsed() {
+    static ParsedProduct parsed;
+    return parsed;
+}
+
+// Calls `use` with what was made before from exactly `text`; false when nothing was.
+template <typename Use>
+bool useMadeBefore(const std::optional<std::string>& text, Use&& use) {
+    if (!text) return false;
+    ParsedProduct& parsed = lastParsed();
+    std::lock_guard<std::mutex> lock(parsed.mutex);
+    if (parsed.text.empty() || parsed.text != *text) return false;
+    use(static_cast<const ParsedProduct&>(parsed));
+    return true;
+}
+
 // Called with the board's file lock held.
 ProductDescription loadLocked() {
-    nlohmann::json file = readJsonFile(productFilePath());
+    const std::string path = productFilePath();
+    const std::optional<std::string> text = readBoardFileText(path);
     ProductDescription description;
+    if (useMadeBefore(text, [&](const ParsedProduct& made) { description = made.description; }))
+        return description;
+    nlohmann::json file = parseBoardJson(path, text);
     bool complete = true;
     for (const ProductField& field : productFields()) {
         auto found = file.find(field.key);
@@ -43,8 +77,25 @@ ProductDescription loadLocked() {
             complete = false;
         }
     }
-    if (!complete) writeJsonFileAtomically(productFilePath(), nlohmann::json(description));
+    if (!complete) {
+        writeJsonFileAtomically(path, nlohmann::json(description));
+    } else if (text) {
+        std::string record(sizeof(vesk_product_record), '\0');
+        fillProductRecord(description, record.data());
+        ParsedProduct& parsed = lastParsed();
+        std::lock_guard<std::mutex> lock(parsed.mutex);
+        parsed.text = *text;
+        parsed.description = description;
+        parsed.record = std::move(record);
+    }
     return description;
+}
+
+// The file is only ever replaced whole, so a text read without the lock is one a writer
+// finished; a text seen before needs nothing written back. Any other (or a failure, reported
+// then) is read again under the lock.
+std::optional<std::string> textReadWithoutTheLock() {
+    return readBoardFileText(productFilePath(), false);
 }
 
 }  // namespace
@@ -118,8 +169,20 @@ std::string checkProductValue(const ProductField& field, const std::string& valu
 }
 
 ProductDescription loadProductDescription() {
+    ProductDescription description;
+    if (useMadeBefore(textReadWithoutTheLock(),
+                      [&](const ParsedProduct& made) { description = made.description; }))
+        return description;
     BoardFileLock lock;
     return loadLocked();
+}
+
+void loadProductRecord(char* record) {
+    if (useMadeBefore(textReadWithoutTheLock(), [&](const ParsedProduct& made) {
+            std::copy(made.record.begin(), made.record.end(), record);
+        }))
+        return;
+    fillProductRecord(loadProductDescription(), record);
 }
 
 std::string setProductValue(const std::string& key, const std::string& value) {

@@ -72,25 +72,34 @@ BoardFileLock::~BoardFileLock() {
     if (mFd >= 0) close(mFd);  // releases the flock
 }
 
-nlohmann::json readJsonFile(const std::string& path) {
+std::optional<std::string> readBoardFileText(const std::string& path, bool reportFailure) {
     // Read through the root's jail: a link planted at the file or on its way is not followed.
     std::string root = host::deviceRoot();
     std::string devicePath = devicePathOf(root, path);
     if (devicePath.empty()) errno = EXDEV;
     std::string text;
     if (devicePath.empty() || !host::readFileBelowRoot(root, devicePath, text)) {
-        if (errno != ENOENT) {
+        if (reportFailure && errno != ENOENT) {
             fprintf(stderr, "vesksdk: cannot read %s: %s; read as empty\n", path.c_str(),
                     strerror(errno));
         }
-        return nlohmann::json::object();
+        return std::nullopt;
     }
-    nlohmann::json content = nlohmann::json::parse(text, nullptr, false);
+    return text;
+}
+
+nlohmann::json parseBoardJson(const std::string& path, const std::optional<std::string>& text) {
+    if (!text) return nlohmann::json::object();
+    nlohmann::json content = nlohmann::json::parse(*text, nullptr, false);
     if (!content.is_object()) {
         fprintf(stderr, "vesksdk: %s is not a JSON object; read as empty\n", path.c_str());
         return nlohmann::json::object();
     }
     return content;
+}
+
+nlohmann::json readJsonFile(const std::string& path) {
+    return parseBoardJson(path, readBoardFileText(path));
 }
 
 bool writeJsonFileAtomically(const std::string& path, const nlohmann::json& content) {

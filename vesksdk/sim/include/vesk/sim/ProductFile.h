@@ -46,5 +46,7 @@ std::string setProductValue(const std::string& key, const std::string& value);
 
 // Fills the 2048-byte record: each slot's text, NUL-padded.
 void fillProductRecord(const ProductDescription& description, char* record);
+// fillProductRecord(loadProductDescription(), record), without parsing a text parsed before.
+void loadProductRecord(char* record);
 
 }  // namespace vesk::sim

@@ -8,6 +8,7 @@
 #include <sys/types.h>
 
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 
 namespace vesk::sim {
@@ -39,6 +40,11 @@ class BoardFileLock {
 // JSON object, or that cannot be read (a link planted at it or on its way below the device root
 // is not followed), is reported on stderr once and read as empty, as a board with a wiped store.
 nlohmann::json readJsonFile(const std::string& path);
+// readJsonFile() in two steps, for a reader that keeps what it made of a text: the file's text
+// (nothing when it is missing or cannot be read, the latter reported unless told not to), then
+// the object in it.
+std::optional<std::string> readBoardFileText(const std::string& path, bool reportFailure = true);
+nlohmann::json parseBoardJson(const std::string& path, const std::optional<std::string>& text);
 // Writes a temporary file beside `path`, flushes it to disk and renames it into place, so that
 // a reader sees the old or the new content, never a part; through the device root's jail, so
 // `path` lies below the root and no link on the way is followed. False when that fails.
