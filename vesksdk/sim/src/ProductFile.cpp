@@ -2,6 +2,7 @@
 
 #include <cctype>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 
 #include "vesk/sim/StateFile.h"
@@ -10,12 +11,13 @@
 namespace vesk::sim {
 namespace {
 
-bool allDigits(const std::string& value) {
-    if (value.empty()) return false;
+// The model number is read as an int by the device manager: 0 to 2147483647.
+bool isModelNumber(const std::string& value) {
+    if (value.empty() || value.size() > 10) return false;
     for (char c : value) {
         if (!isdigit(static_cast<unsigned char>(c))) return false;
     }
-    return true;
+    return std::stoll(value) <= INT32_MAX;
 }
 
 bool isMac(const std::string& value) {
@@ -29,21 +31,17 @@ bool isMac(const std::string& value) {
     return true;
 }
 
-// Called with the board's file lock held.
-ProductDescription loadLocked() {
+// The file as it is, every key it lacks at its factory value. Reading writes nothing (the file
+// is replaced whole by its writers, so a reader needs no lock): a command that only shows the
+// board leaves the root as it found it.
+ProductDescription readDescription() {
     nlohmann::json file = readJsonFile(productFilePath());
     ProductDescription description;
-    bool complete = true;
     for (const ProductField& field : productFields()) {
         auto found = file.find(field.key);
-        if (found != file.end() && found->is_string()) {
-            description[field.key] = found->get<std::string>();
-        } else {
-            description[field.key] = field.factoryValue;
-            complete = false;
-        }
+        bool stored = found != file.end() && found->is_string();
+        description[field.key] = stored ? found->get<std::string>() : field.factoryValue;
     }
-    if (!complete) writeJsonFileAtomically(productFilePath(), nlohmann::json(description));
     return description;
 }
 
@@ -104,7 +102,9 @@ std::string checkProductValue(const ProductField& field, const std::string& valu
         case ProductValue::Text:
             return "";
         case ProductValue::Decimal:
-            return allDigits(value) ? "" : std::string(field.key) + " takes decimal digits";
+            return isModelNumber(value) ? ""
+                                        : std::string(field.key) +
+                                                  " takes a decimal number from 0 to 2147483647";
         case ProductValue::Switch:
             return value == "0" || value == "1" ? "" : std::string(field.key) + " takes 0 or 1";
         case ProductValue::Mac:
@@ -118,17 +118,22 @@ std::string checkProductValue(const ProductField& field, const std::string& valu
 }
 
 ProductDescription loadProductDescription() {
-    BoardFileLock lock;
-    return loadLocked();
+    return readDescription();
 }
 
 std::string setProductValue(const std::string& key, const std::string& value) {
     const ProductField* field = findProductField(key);
-    if (!field) return "unknown product key " + key;
+    if (!field) {
+        std::string keys;
+        for (const ProductField& known : productFields()) {
+            keys += (keys.empty() ? "" : ", ") + std::string(known.key);
+        }
+        return "unknown product key " + key + " (keys: " + keys + ")";
+    }
     std::string problem = checkProductValue(*field, value);
     if (!problem.empty()) return problem;
     BoardFileLock lock;
-    ProductDescription description = loadLocked();
+    ProductDescription description = readDescription();
     description[key] = value;
     if (!writeJsonFileAtomically(productFilePath(), nlohmann::json(description))) {
         return "cannot write " + productFilePath();
