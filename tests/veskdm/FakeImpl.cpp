@@ -4,8 +4,10 @@
  * tests, and appends one line per factory call and per method call ("fetch NAME",
  * "setSysLedState 3", "getSysLedState") to the file named by $VESK_FAKE_CALLS.
  */
+#include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <unistd.h>
 #include <vesk/hardware/veskdevicemanager/1.0/IVeskDeviceManager.h>
 
 #include <new>
@@ -112,6 +114,18 @@ class FakeDeviceManager : public RecordingDeviceManager {
         record("setVeskLogConfigure " + std::string(info.level) + "|" + std::string(info.base) +
                "|" + std::string(info.mode) + "|" + std::string(info.total_size) + "|" +
                std::string(info.once_size));
+        return 0;
+    }
+    // Ends the process the way a crash does (-15: SIGTERM after a line on standard error) or a
+    // call of _exit does (-3: status 3), so that the tool's report of either can be seen.
+    Return<int32_t> setPQEnable(int32_t enable) override {
+        record("setPQEnable " + std::to_string(enable));
+        if (enable == -15) {
+            fputs("fake: ending on a signal\n", stderr);
+            fflush(stderr);
+            raise(SIGTERM);
+        }
+        if (enable == -3) _exit(3);
         return 0;
     }
     Return<int32_t> hwRegistCallback(const ::android::sp<IVeskDeviceCallback>& callback) override {
