@@ -2,7 +2,6 @@
 // the real implementation library on the simulated board: exit status 2, exactly one line on
 // stderr, nothing on stdout, no board call (the journal is never created), no log file and the
 // device root left byte for byte as it was.
-#include <dirent.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -10,6 +9,7 @@
 #include <map>
 
 #include "InProcessRunner.h"
+#include "TreeSnapshot.h"
 
 namespace veskdm::test {
 namespace {
@@ -29,26 +29,6 @@ struct BadInput {
 
 void PrintTo(const BadInput& bad, std::ostream* os) {
     *os << bad.name;
-}
-
-// path -> content (directories as "<dir>"), below `dir`.
-void snapshot(const std::string& dir, std::map<std::string, std::string>& files) {
-    DIR* d = opendir(dir.c_str());
-    if (d == nullptr) return;
-    while (dirent* entry = readdir(d)) {
-        std::string name = entry->d_name;
-        if (name == "." || name == "..") continue;
-        std::string path = dir + "/" + name;
-        struct stat st;
-        if (lstat(path.c_str(), &st) != 0) continue;
-        if (S_ISDIR(st.st_mode)) {
-            files[path] = "<dir>";
-            snapshot(path, files);
-        } else {
-            files[path] = vesk::test::readFile(path);
-        }
-    }
-    closedir(d);
 }
 
 class BadInputTest : public ::testing::TestWithParam<BadInput> {
@@ -95,8 +75,7 @@ class BadInputTest : public ::testing::TestWithParam<BadInput> {
 
 TEST_P(BadInputTest, StatusTwoOneLineNothingCalledNothingWritten) {
     const BadInput& bad = GetParam();
-    std::map<std::string, std::string> before;
-    snapshot(root.path(), before);
+    std::map<std::string, std::string> before = treeSnapshot(root.path());
 
     Outcome outcome = run(bad);
 
@@ -110,9 +89,7 @@ TEST_P(BadInputTest, StatusTwoOneLineNothingCalledNothingWritten) {
     EXPECT_NE(0, stat((work + "/journal.jsonl").c_str(), &st));
     // Nothing logged either: the log file is made at the first line.
     EXPECT_NE(0, stat((work + "/log.jsonl").c_str(), &st));
-    std::map<std::string, std::string> after;
-    snapshot(root.path(), after);
-    EXPECT_EQ(before, after);
+    EXPECT_EQ(before, treeSnapshot(root.path()));
 }
 
 const BadInput kBadInputs[] = {

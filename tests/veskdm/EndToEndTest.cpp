@@ -2,6 +2,7 @@
 // device root, with the board's call journal as the witness of what reached the board.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <nlohmann/json.hpp>
 
@@ -251,6 +252,17 @@ TEST_F(EndToEndTest, RefusesStructWithUnknownField) {
                    R"({"level": "D", "base": "/data/log", "mode": "ring", "total_size": "64M",)"
                    R"( "once_size": "4M", "onceSize": "4M"})"},
                   "setVeskLogConfigure: argument 1 (VeskLogInfo info): unknown field \"onceSize\"");
+}
+
+// A serial channel lives as long as the service's process: while a shell runs, its peer link is
+// in the root; when the shell ends, the board removes it as a service's process ends.
+TEST_F(EndToEndTest, AShellsSerialChannelIsGoneWithIt) {
+    Outcome outcome = run({"shell"}, "openSerialPort232 9600 8 1 0\n");
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_EQ(outcome.out, "{\"method\":\"openSerialPort232\",\"return\":0,\"callbacks\":[]}\n");
+    struct stat st;
+    EXPECT_NE(0, lstat((root / "/dev/ttyVESK232").c_str(), &st));
+    EXPECT_THAT(journalFunctions(), ElementsAre("bi_init_product_config", "bi_serial_232_open"));
 }
 
 TEST_F(EndToEndTest, RefusesUnreadableJson) {

@@ -1,7 +1,6 @@
 // Commands that only read (prop get, prop list, env print, env get, board show, debug, methods,
 // timing) leave the device root as they found it: an empty root stays empty, a made one keeps
 // every file byte for byte. Run as the built program on the real implementation library.
-#include <dirent.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -9,33 +8,10 @@
 #include <map>
 
 #include "RunVeskdm.h"
+#include "TreeSnapshot.h"
 
 namespace veskdm::test {
 namespace {
-
-// path -> content ("<dir>" for a directory, "-> TARGET" for a link), below `dir`.
-void listing(const std::string& dir, std::map<std::string, std::string>& files) {
-    DIR* d = opendir(dir.c_str());
-    if (d == nullptr) return;
-    while (dirent* entry = readdir(d)) {
-        std::string name = entry->d_name;
-        if (name == "." || name == "..") continue;
-        std::string path = dir + "/" + name;
-        struct stat st;
-        if (lstat(path.c_str(), &st) != 0) continue;
-        if (S_ISDIR(st.st_mode)) {
-            files[path] = "<dir>";
-            listing(path, files);
-        } else if (S_ISLNK(st.st_mode)) {
-            char target[4096] = {};
-            ssize_t length = readlink(path.c_str(), target, sizeof(target));
-            files[path] = "-> " + std::string(target, length > 0 ? static_cast<size_t>(length) : 0);
-        } else {
-            files[path] = vesk::test::readFile(path);
-        }
-    }
-    closedir(d);
-}
 
 const std::vector<std::vector<std::string>> kReadingCommands = {
         {"prop", "get", "persist.vesk.device.log.level"},
@@ -66,10 +42,9 @@ class ReadOnlyCommandsTest : public ::testing::Test {
 
 TEST_F(ReadOnlyCommandsTest, AnEmptyRootStaysEmpty) {
     for (const std::vector<std::string>& args : kReadingCommands) {
-        Outcome outcome = run(args);
-        std::map<std::string, std::string> after;
-        listing(rootPath, after);
-        EXPECT_EQ(after, (std::map<std::string, std::string>{})) << args[0] << " " << args[1];
+        run(args);
+        EXPECT_EQ(treeSnapshot(rootPath), (std::map<std::string, std::string>{}))
+                << args[0] << " " << args[1];
     }
     // What they show of an empty root: unset properties and the board's factory description.
     EXPECT_EQ(run({"prop", "get", "persist.vesk.x"}).out, "\n");
@@ -89,14 +64,11 @@ TEST_F(ReadOnlyCommandsTest, AnEmptyRootStaysEmpty) {
 TEST_F(ReadOnlyCommandsTest, AMadeRootKeepsEveryFile) {
     ASSERT_EQ(run({"prop", "set", "persist.vesk.device.log.level", "D"}).status, 0);
     ASSERT_EQ(run({"call", "setSysLedState", "1"}).status, 0);
-    std::map<std::string, std::string> before;
-    listing(rootPath, before);
+    std::map<std::string, std::string> before = treeSnapshot(rootPath);
     for (const std::vector<std::string>& args : kReadingCommands) {
         Outcome outcome = run(args);
         EXPECT_EQ(outcome.status, 0) << args[0] << ": " << outcome.err;
-        std::map<std::string, std::string> after;
-        listing(rootPath, after);
-        EXPECT_EQ(before, after) << args[0] << " " << args[1];
+        EXPECT_EQ(before, treeSnapshot(rootPath)) << args[0] << " " << args[1];
     }
 }
 

@@ -95,7 +95,9 @@ struct Pipes {
     out.flush();
     err.flush();
     child.markStep(kBodyReturned);
-    _exit(status);
+    // The process ends as a service's process does: what it registered to run at exit runs (the
+    // simulated board removes the links of the serial channels it opened).
+    exit(status);
 }
 
 // The last non-empty line of `text`; the C library's fatal message "*** WHAT ***: terminated"

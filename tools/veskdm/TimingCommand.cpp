@@ -7,6 +7,7 @@
 #include <stdlib.h>
 
 #include <cmath>
+#include <functional>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -161,17 +162,17 @@ void checkHasClock(const timing_t& timing, const TimingRequest& request) {
 
 // A search answers a size or rate only within the range the calculator takes; outside it the
 // answer (-1 when it ran to its bound, or below 1 when the first step was over the ceiling)
-// is none. `clockAtMax` is the clock at the top of the range.
+// is none. `clockAtMax` gives the clock at the top of the range.
 void printSearchAnswer(std::ostream& out, int answer, uint32_t max, const std::string& unit,
-                       double ceiling, double clockAtMax, const std::string& what,
-                       const std::string& margin) {
+                       double ceiling, const std::function<double()>& clockAtMax,
+                       const std::string& what, const std::string& margin) {
     if (answer >= 1 && static_cast<uint32_t>(answer) <= max) {
         out << answer << "\n";
         return;
     }
     std::ostringstream text;
     text << "timing: ";
-    if (clockAtMax <= ceiling) {
+    if (clockAtMax() <= ceiling) {
         text << "every " << what << " up to " << max << " " << unit << " stays under " << ceiling
              << " MHz: the search has no answer";
     } else {
@@ -185,8 +186,11 @@ void run(std::ostream& out, const TimingOptions& options) {
     TimingRequest r = readRequest(options);
     VideoTimingCaculator calculator;
     auto clockOf = [&](uint32_t width, uint32_t height, uint32_t rate) {
-        return calculator.getPixClock(width, height, rate, r.bits, r.components, options.mode,
-                                      options.margins, options.interlaced, options.videoOptimized);
+        return [=, &calculator, &options] {
+            return calculator.getPixClock(width, height, rate, r.bits, r.components, options.mode,
+                                          options.margins, options.interlaced,
+                                          options.videoOptimized);
+        };
     };
     std::string at = " of " + options.width + "x" + options.height;
     if (options.maxRefresh) {
