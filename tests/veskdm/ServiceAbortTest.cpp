@@ -1,4 +1,4 @@
-// Inputs on which the service ends its process, as the description has it (a board's init then
+// Inputs on which the service ends its process, as it does on a board (where init then
 // restarts it): veskdm says so in one line, status 1, and a shell stops there. Run as the built
 // program on the real implementation library and the simulated board.
 #include <dirent.h>
