@@ -359,6 +359,14 @@ TEST_F(CommandLineTest, AServiceEndedBySignalIsOneLineWithItsLastWords) {
     EXPECT_THAT(calls(), ElementsAre("fetch default", "setPQEnable -15"));
 }
 
+// The last line the process wrote itself, not an emulator's line about the signal.
+TEST_F(CommandLineTest, AnAbortIsReportedWithTheProcesssLastWords) {
+    Outcome outcome = veskdm.run({"call", "setPQEnable", "-6"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "veskdm: the service aborted: fake: last words\n");
+    EXPECT_EQ(outcome.out, "");
+}
+
 TEST_F(CommandLineTest, AServiceThatEndsItsProcessIsOneLine) {
     Outcome outcome = veskdm.run({"call", "setPQEnable", "-3"});
     EXPECT_EQ(outcome.status, 1);

@@ -116,14 +116,21 @@ class FakeDeviceManager : public RecordingDeviceManager {
                std::string(info.once_size));
         return 0;
     }
-    // Ends the process the way a crash does (-15: SIGTERM after a line on standard error) or a
-    // call of _exit does (-3: status 3), so that the tool's report of either can be seen.
+    // Ends the process the way a crash does (-15: SIGTERM after a line on standard error), an
+    // abort under an emulator does (-6: the emulator's own line after the process's last words)
+    // or a call of _exit does (-3: status 3), so that the tool's report of each can be seen.
     Return<int32_t> setPQEnable(int32_t enable) override {
         record("setPQEnable " + std::to_string(enable));
         if (enable == -15) {
             fputs("fake: ending on a signal\n", stderr);
             fflush(stderr);
             raise(SIGTERM);
+        }
+        if (enable == -6) {
+            fputs("fake: last words\n\nqemu: uncaught target signal 6 (Aborted) - core dumped\n",
+                  stderr);
+            fflush(stderr);
+            abort();
         }
         if (enable == -3) _exit(3);
         return 0;

@@ -13,6 +13,7 @@
 
 #include <ext/stdio_filebuf.h>
 #include <ostream>
+#include <sstream>
 #include <string>
 
 #include "Errors.h"
@@ -100,14 +101,16 @@ struct Pipes {
     exit(status);
 }
 
-// The last non-empty line of `text`; the C library's fatal message "*** WHAT ***: terminated"
-// as WHAT.
+// The last line of `text` that the process wrote itself; the C library's fatal message
+// "*** WHAT ***: terminated" as WHAT. An emulator running the process (qemu-user, for the ARM
+// builds) adds a line of its own about the signal after it: that one is passed over.
 std::string lastLine(const std::string& text) {
-    size_t end = text.find_last_not_of('\n');
-    if (end == std::string::npos) return "";
-    size_t start = text.rfind('\n', end);
-    start = start == std::string::npos ? 0 : start + 1;
-    std::string line = text.substr(start, end + 1 - start);
+    const std::string emulator = "qemu: uncaught target signal ";
+    std::istringstream lines(text);
+    std::string line;
+    for (std::string next; std::getline(lines, next);) {
+        if (!next.empty() && next.compare(0, emulator.size(), emulator) != 0) line = next;
+    }
     const std::string head = "*** ";
     const std::string tail = " ***: terminated";
     if (line.size() > head.size() + tail.size() && line.compare(0, head.size(), head) == 0 &&
