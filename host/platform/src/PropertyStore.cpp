@@ -313,7 +313,13 @@ void updateValue(Slot* slot, const char* value, size_t length) {
 
 }  // namespace
 
+// As bionic's, a read leaves errno as it was: callers format an earlier failure's errno after
+// reading their log level.
 extern "C" int property_get(const char* key, char* value, const char* default_value) {
+    struct KeepErrno {
+        int saved = errno;
+        ~KeepErrno() { errno = saved; }
+    } keepErrno;
     Store* store = currentStore(false);
     if (key != nullptr && store != nullptr) {
         size_t length = std::strlen(key);
