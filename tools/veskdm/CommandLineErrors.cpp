@@ -7,9 +7,14 @@ namespace {
 
 // "prop get" for the subcommand get of prop; empty for the tool itself.
 std::string commandPath(const CLI::App* command) {
-    std::string path;
+    std::vector<std::string> names;
     for (; command != nullptr && command->get_parent() != nullptr; command = command->get_parent()) {
-        path = command->get_name() + (path.empty() ? "" : " " + path);
+        names.push_back(command->get_name());
+    }
+    std::string path;
+    for (auto name = names.rbegin(); name != names.rend(); ++name) {
+        if (!path.empty()) path += ' ';
+        path += *name;
     }
     return path;
 }
