@@ -169,7 +169,8 @@ void printEnv(Printer& out, const Ubootenv& env) {
     }
     out.fact("device", env.devicePath);
     out.fact("copy size", std::to_string(env.partitionSize));
-    int fd = vesk::platform::openDevice(env.devicePath, O_RDONLY, 0);
+    // Without waiting: a device that is no partition (a FIFO) then shows as unreadable.
+    int fd = vesk::platform::openDevice(env.devicePath, O_RDONLY | O_NONBLOCK, 0);
     if (fd < 0) {
         out.fact("error", std::string("cannot open: ") + strerror(errno));
         return;

@@ -8,12 +8,14 @@
 #include <cutils/properties.h>
 #include <errno.h>
 #include <fcntl.h>
+#include <linux/major.h>
 #include <mtd/mtd-user.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -163,9 +165,23 @@ const char* Ubootenv::deviceName() const {
 }
 
 // A device named by the caller is opened as named; the board's own through the platform.
+// Only a regular file, a block device or an MTD character device holds an environment: the
+// open does not wait (a FIFO without a writer would hold it for good), and anything else is
+// refused before a read could wait on it.
 int Ubootenv::openPartition(int flags) const {
-    if (hasExplicitDevice) return open(explicitDevice.c_str(), flags | O_CLOEXEC);
-    return vesk::platform::openDevice(devicePath, flags);
+    int fd = hasExplicitDevice ? open(explicitDevice.c_str(), flags | O_NONBLOCK | O_CLOEXEC)
+                               : vesk::platform::openDevice(devicePath, flags | O_NONBLOCK);
+    if (fd < 0) return fd;
+    struct stat st;
+    bool usable =
+            fstat(fd, &st) == 0 && (S_ISREG(st.st_mode) || S_ISBLK(st.st_mode) ||
+                                    (S_ISCHR(st.st_mode) && major(st.st_rdev) == MTD_CHAR_MAJOR));
+    if (!usable || fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) & ~O_NONBLOCK) != 0) {
+        close(fd);
+        errno = ENOTBLK;
+        return -1;
+    }
+    return fd;
 }
 
 // Inside an update's transaction, the held descriptor itself (its lock is ours), from its

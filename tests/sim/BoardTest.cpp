@@ -174,9 +174,10 @@ TEST_F(BoardTest, SetProductInfoStoresTheDhcpWord) {
 // whoever wrote it and however (here in place, as a person editing it would).
 TEST_F(BoardTest, ProductFileRewrittenBehindTheLibraryIsReadAgain) {
     char record[VESK_PRODUCT_RECORD_SIZE] = {};
+    const std::string file = root / "/data/vesksdk/product.json";
+    writeFile(file, "{\"model_id\": \"8470\"}\n");
     ASSERT_EQ(0, bi_info_get_product_info(record));
     ASSERT_STREQ("8470", record + 64);
-    const std::string file = root / "/data/vesksdk/product.json";
     std::string text = readFile(file);
     size_t model = text.find("\"8470\"");
     ASSERT_NE(std::string::npos, model);
@@ -187,9 +188,9 @@ TEST_F(BoardTest, ProductFileRewrittenBehindTheLibraryIsReadAgain) {
     EXPECT_STREQ("true", record + 2016);
 }
 
-// A text without every key is completed with the factory values each time it is read, even one
-// read before.
-TEST_F(BoardTest, ProductFileMissingAKeyIsCompletedEachTimeItIsRead) {
+// A text without every key reads the keys it lacks at their factory values each time it is
+// read, even one read before, and reading it writes nothing back.
+TEST_F(BoardTest, ProductFileMissingAKeyReadsItsFactoryValueEachTime) {
     char record[VESK_PRODUCT_RECORD_SIZE] = {};
     ASSERT_EQ(0, bi_info_get_product_info(record));
     const std::string file = root / "/data/vesksdk/product.json";
@@ -199,9 +200,7 @@ TEST_F(BoardTest, ProductFileMissingAKeyIsCompletedEachTimeItIsRead) {
         ASSERT_EQ(0, bi_info_get_product_info(record));
         EXPECT_STREQ("8471", record + 64);
         EXPECT_STREQ("true", record + 2016);
-        std::string completed = readFile(file);
-        EXPECT_NE(std::string::npos, completed.find("\"use_dhcp\": \"true\"")) << completed;
-        EXPECT_NE(std::string::npos, completed.find("\"model_id\": \"8471\"")) << completed;
+        EXPECT_EQ(partial, readFile(file));
     }
 }
 

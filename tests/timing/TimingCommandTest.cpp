@@ -118,25 +118,27 @@ TEST_F(TimingCommandTest, OptionsReachTheCalculator) {
     EXPECT_EQ(8565, json["peak_bw"]);
 }
 
-TEST_F(TimingCommandTest, VideoOptimizedPeriodsAreNullInJson) {
+// The calculator gives video-optimised cvt_rb2 no clock, and a mode of another name none either:
+// neither is a timing.
+TEST_F(TimingCommandTest, VideoOptimizedReducedBlanking2IsRefusedWithTheReason) {
     ToolRun run = veskdm("timing 1920 1080 --mode cvt_rb2 --video-optimized --format json");
-    ASSERT_EQ(0, run.status) << run.err;
-    auto json = nlohmann::json::parse(run.out);
-    EXPECT_EQ(0.0, json["pix_clock"]);
-    EXPECT_TRUE(json["h_period"].is_null());
-    EXPECT_TRUE(json["v_period"].is_null());
-    EXPECT_EQ(0, json["vblank_duration"]);
+    EXPECT_EQ(2, run.status);
+    EXPECT_EQ("", run.out);
+    EXPECT_EQ(
+            "veskdm: timing: --video-optimized cvt_rb2 has no pixel clock in this calculator (its "
+            "clock multiplier is 0): no timing\n",
+            run.err);
 }
 
-TEST_F(TimingCommandTest, UnknownModeIsComputed) {
-    ToolRun run = veskdm("timing 1920 1080 --mode dmt --format json");
-    ASSERT_EQ(0, run.status) << run.err;
-    auto json = nlohmann::json::parse(run.out);
-    EXPECT_EQ("dmt", json["name"]);
-    EXPECT_EQ(0.0, json["pix_clock"]);
-    EXPECT_EQ(0, json["h_sync_polarity"]);
-    EXPECT_EQ(0, json["v_sync_polarity"]);
-    EXPECT_EQ(2080, json["h_total"]);
+TEST_F(TimingCommandTest, UnknownModeIsRefusedWithTheModesNamed) {
+    for (const char* mode : {"dmt", "bogus", "CVT", ""}) {
+        ToolRun run = veskdm(std::string("timing 1920 1080 --mode '") + mode + "'");
+        EXPECT_EQ(2, run.status) << mode;
+        EXPECT_EQ("", run.out);
+        EXPECT_EQ(std::string("veskdm: timing: --mode must be cvt, cvt_rb or cvt_rb2, not '") +
+                          mode + "'\n",
+                  run.err);
+    }
 }
 
 TEST_F(TimingCommandTest, ModelineForReducedBlanking) {
@@ -206,10 +208,15 @@ TEST_F(TimingCommandTest, MaxHeightIgnoresTheHeight) {
     EXPECT_EQ("1990\n", run.out);
 }
 
-TEST_F(TimingCommandTest, UnreachableRefreshCeilingPrintsMinusOneAndLogsTheExit) {
+// The search runs to its bound and logs its exit; that is no refresh rate: one line, status 1.
+TEST_F(TimingCommandTest, UnreachableRefreshCeilingIsAFailureAndTheExitIsLogged) {
     ToolRun run = veskdm("--log '" + logPath() + "' timing 1920 1080 --max-refresh 1e9");
-    EXPECT_EQ(0, run.status) << run.err;
-    EXPECT_EQ("-1\n", run.out);
+    EXPECT_EQ(1, run.status);
+    EXPECT_EQ("", run.out);
+    EXPECT_EQ(
+            "veskdm: timing: every refresh rate of 1920x1080 up to 1000 Hz stays under 1e+09 MHz: "
+            "the search has no answer\n",
+            run.err);
     auto lines = logLines();
     ASSERT_EQ(1u, lines.size());
     EXPECT_EQ(nlohmann::json({{"priority", 6},

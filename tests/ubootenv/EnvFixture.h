@@ -28,23 +28,4 @@ class EnvTest : public RootTest {
 // The two lines of a load that succeeded on `device` with the default sizes.
 EnvLogs loadedLog(const std::string& device = kEnvDevice);
 
-// A FIFO standing in for a device that cannot seek; the test holds it open for reading and
-// writing (without waiting), so that the object's opens never block, with room for 1 MiB.
-class FifoDevice {
-  public:
-    explicit FifoDevice(const std::string& path);
-    ~FifoDevice();
-    FifoDevice(const FifoDevice&) = delete;
-    FifoDevice& operator=(const FifoDevice&) = delete;
-
-    void feed(const std::string& bytes);
-    // Up to `count` of the bytes waiting.
-    std::string drain(size_t count);
-    // Bytes waiting in the FIFO.
-    size_t pending() const;
-
-  private:
-    int mFd = -1;
-};
-
 }  // namespace vesk::test

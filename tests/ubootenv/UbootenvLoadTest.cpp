@@ -1,12 +1,18 @@
 // Loading the environment: the device search, the MTD size query, the read loop, the copies'
 // checks, parsing, and the read-side calls with their log lines.
+#include <errno.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <stdio.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstring>
+#include <functional>
+#include <memory>
 
+#include "ChildProcess.h"
 #include "EnvFixture.h"
 #include "FailingAllocation.h"
 #include "FileMtd.h"
@@ -166,6 +172,76 @@ TEST_F(UbootenvLoadTest, NoDeviceLeavesTheObjectEmpty) {
     EXPECT_EQ(repeated({{kError, "get", "[ubootenv] don't init done\n"}}, 2), takeEnvLog());
     EXPECT_EQ(-2, env.init());
 }
+
+// A FIFO where the partition should be: with no writer (an open for reading would wait for
+// one) and with a writer that never writes (a read would wait for bytes). Neither waits: the
+// store opens without waiting and refuses what is no regular file, block device or MTD device.
+class FifoPartitionTest : public EnvTest, public ::testing::WithParamInterface<bool> {
+  protected:
+    FifoPartitionTest() {
+        removeDevice(kEnvDevice);
+        EXPECT_EQ(0, mkfifo(hostPath(kEnvDevice).c_str(), 0644));
+        if (GetParam()) writer = open(hostPath(kEnvDevice).c_str(), O_RDWR | O_CLOEXEC);
+        EXPECT_TRUE(!GetParam() || writer >= 0);
+    }
+    ~FifoPartitionTest() override {
+        if (writer >= 0) close(writer);
+    }
+
+    // The object's load, in a child first: a wait there fails the test instead of hanging it.
+    void expectNoWait(const std::function<void()>& load) {
+        Child child([&] {
+            load();
+            return 0;
+        });
+        ChildEnd end = child.wait(std::chrono::seconds(60));
+        ASSERT_FALSE(end.timedOut) << "the store waits on the FIFO";
+        ASSERT_TRUE(end.exited && end.code == 0);
+    }
+
+    // The failed load of `device`: five tries whose open is refused, then the failure.
+    static EnvLogs refusedLoad(const std::string& device) {
+        EnvLogs attempt = {
+                {kError, "readPartitionData",
+                 "[ubootenv] open devices error: " + std::string(strerror(ENOTBLK)) + "\n"},
+                {kError, "init", "[ubootenv] Cannot read " + device + ": -1.\n"}};
+        return EnvLogs{{kInfo, "init", "[ubootenv] using " + device + " with size(65536) (65532)"}} +
+               repeated(attempt, 5) +
+               EnvLogs{{kError, "init", "[ubootenv] read " + device + " failed \n"}};
+    }
+
+    int writer = -1;
+};
+
+TEST_P(FifoPartitionTest, TheDeviceRootsPartitionIsRefused) {
+    expectNoWait([] { Ubootenv env; });
+    takeEnvLog();
+    Ubootenv env;
+    EXPECT_FALSE(env.initDone);
+    EXPECT_EQ(refusedLoad(kEnvDevice), takeEnvLog());
+    EXPECT_EQ(-1, env.updateValue("ubootenv.var.hdmimode", "720p60hz"));
+    EXPECT_EQ((EnvLogs{{kError, "updateValue", "[ubootenv] bootenv do not init\n"}}), takeEnvLog());
+}
+
+TEST_P(FifoPartitionTest, ANamedDeviceIsRefused) {
+    std::string device = hostPath(kEnvDevice);
+    expectNoWait([&] { Ubootenv env(device.c_str()); });
+    takeEnvLog();
+    Ubootenv env(device.c_str());
+    EXPECT_FALSE(env.initDone);
+    EXPECT_EQ(refusedLoad(device), takeEnvLog());
+    // A save opens the device too: refused the same way, nothing waits and nothing is written.
+    env.set("hdmimode", "720p60hz", true);
+    EXPECT_EQ(-1, env.save());
+    EXPECT_EQ((EnvLogs{{kError, "formatAttribute", "[ubootenv] Invalid env data key:, value:\n"},
+                       {kError, "save", "[ubootenv] open devices error\n"}}),
+              takeEnvLog());
+}
+
+INSTANTIATE_TEST_SUITE_P(Writer, FifoPartitionTest, ::testing::Values(false, true),
+                         [](const ::testing::TestParamInfo<bool>& info) {
+                             return info.param ? "WithAWriterThatNeverWrites" : "WithoutAWriter";
+                         });
 
 // Edge case: copy A with a bad CRC, copy B good.
 TEST_F(UbootenvLoadTest, BadCopyAFallsBackToGoodCopyB) {
@@ -407,50 +483,68 @@ TEST_F(UbootenvLoadTest, PropertyLoadSetsInitDone) {
               takeEnvLog());
 }
 
-// A device that fails the first `badTries` reads (both copies bad) and then has a good copy A;
-// the FIFO makes every try read the next bytes.
+// A device that fails the first `badTries` reads (both copies bad) and then has a good copy A:
+// the device takes its next image after each failed try, when the store logs it.
 class ReadLoopTest : public EnvTest {
   protected:
-    ReadLoopTest() : fifo(hostPath(kEnvDevice)) {}
-
-    EnvLogs feed(int badTries) {
+    // Lays out the images; the lines of one bad try.
+    EnvLogs prepare(int badTries) {
         std::string copyA = badCopy({{"hdmimode", "480p60hz"}});
         std::string copyB = badCopy({{"hdmimode", "576p50hz"}});
-        for (int i = 0; i < badTries; ++i) fifo.feed(copyA + copyB);
-        fifo.feed(envCopy(dataArea(envStrings(good))));
+        for (int i = 0; i < badTries; ++i) images.push_back(twoCopies(copyA, copyB));
+        images.push_back(envImage(good));
+        writeDevice(kEnvDevice, images[0]);
         return {{kError, "readPartitionData",
                  "[ubootenv] CRC Check SYS_LOGE save_crc=" + hex8(storedCrc(copyA, 0)) +
                          ", crcCalc = " + hex8(crcOf(copyA.substr(4))) + " \n"},
                 {kInfo, "readPartitionData", "first env error, try second....\n"},
-                {kError, "readPartitionData", "[ubootenv] lseek error, seeknum = -1 \n"},
                 {kError, "readPartitionData",
                  "[ubootenv] CRC2 Check SYS_LOGE save_crc=" + hex8(storedCrc(copyB, 0)) +
                          ", crcCalc = " + hex8(crcOf(copyB.substr(4))) + " \n"},
                 {kError, "init", "[ubootenv] Cannot read /dev/block/env: -3.\n"}};
     }
 
-    FifoDevice fifo;
+    // Every line logged while `body` runs; after each failed try the device is written anew.
+    EnvLogs logWhile(const std::function<void()>& body) {
+        std::vector<vesk::host::LogLine> lines;
+        {
+            vesk::host::ScopedLogHandler handler([&](const vesk::host::LogLine& line) {
+                lines.push_back(line);
+                if (line.message.find("Cannot read /dev/block/env") != std::string::npos &&
+                    next < images.size()) {
+                    writeFile(hostPath(kEnvDevice), images[next++]);
+                }
+            });
+            body();
+        }
+        return parseEnvLog(lines);
+    }
+
+    std::vector<std::string> images;  // what the device holds at each try
+    size_t next = 1;                  // the image the next failed try brings
     const Variables good = {{"hdmimode", "1080p50hz"}, {"is.bestmode", "false"}};
 };
 
 TEST_F(ReadLoopTest, SuccessOnTheFourthTryLoads) {
-    EnvLogs badTry = feed(3);
-    Ubootenv env;
-    EXPECT_TRUE(env.initDone);
-    EXPECT_EQ(good, attributeList(env));
-    EXPECT_EQ(0u, fifo.pending());
-    EXPECT_EQ(EnvLogs{loadedLog()[0]} + repeated(badTry, 3) + EnvLogs{loadedLog()[1]}, takeEnvLog());
+    EnvLogs badTry = prepare(3);
+    std::unique_ptr<Ubootenv> env;
+    EnvLogs log = logWhile([&] { env = std::make_unique<Ubootenv>(); });
+    EXPECT_TRUE(env->initDone);
+    EXPECT_EQ(good, attributeList(*env));
+    EXPECT_EQ(images.size(), next);  // every image was read
+    EXPECT_EQ(EnvLogs{loadedLog()[0]} + repeated(badTry, 3) + EnvLogs{loadedLog()[1]}, log);
 }
 
 TEST_F(ReadLoopTest, SuccessOnTheFifthTryIsReportedAsFailure) {
-    EnvLogs badTry = feed(4);
-    Ubootenv env;
-    EXPECT_FALSE(env.initDone);
-    EXPECT_EQ(good, attributeList(env));  // parsed all the same
-    EXPECT_EQ(0u, fifo.pending());
+    EnvLogs badTry = prepare(4);
+    std::unique_ptr<Ubootenv> env;
+    EnvLogs log = logWhile([&] { env = std::make_unique<Ubootenv>(); });
+    EXPECT_FALSE(env->initDone);
+    EXPECT_EQ(good, attributeList(*env));  // parsed all the same
+    EXPECT_EQ(images.size(), next);
     EXPECT_EQ((EnvLogs{loadedLog()[0]} + repeated(badTry, 4) +
                EnvLogs{{kError, "init", "[ubootenv] read /dev/block/env failed \n"}}),
-              takeEnvLog());
+              log);
 }
 
 TEST_F(UbootenvLoadTest, ShortCopyAIsFollowedByCopyB) {

@@ -2,7 +2,6 @@
 // the real implementation library on the simulated board: exit status 2, exactly one line on
 // stderr, nothing on stdout, no board call (the journal is never created), no log file and the
 // device root left byte for byte as it was.
-#include <dirent.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -10,6 +9,7 @@
 #include <map>
 
 #include "InProcessRunner.h"
+#include "TreeSnapshot.h"
 
 namespace veskdm::test {
 namespace {
@@ -29,26 +29,6 @@ struct BadInput {
 
 void PrintTo(const BadInput& bad, std::ostream* os) {
     *os << bad.name;
-}
-
-// path -> content (directories as "<dir>"), below `dir`.
-void snapshot(const std::string& dir, std::map<std::string, std::string>& files) {
-    DIR* d = opendir(dir.c_str());
-    if (d == nullptr) return;
-    while (dirent* entry = readdir(d)) {
-        std::string name = entry->d_name;
-        if (name == "." || name == "..") continue;
-        std::string path = dir + "/" + name;
-        struct stat st;
-        if (lstat(path.c_str(), &st) != 0) continue;
-        if (S_ISDIR(st.st_mode)) {
-            files[path] = "<dir>";
-            snapshot(path, files);
-        } else {
-            files[path] = vesk::test::readFile(path);
-        }
-    }
-    closedir(d);
 }
 
 class BadInputTest : public ::testing::TestWithParam<BadInput> {
@@ -95,12 +75,11 @@ class BadInputTest : public ::testing::TestWithParam<BadInput> {
 
 TEST_P(BadInputTest, StatusTwoOneLineNothingCalledNothingWritten) {
     const BadInput& bad = GetParam();
-    std::map<std::string, std::string> before;
-    snapshot(root.path(), before);
+    std::map<std::string, std::string> before = treeSnapshot(root.path());
 
     Outcome outcome = run(bad);
 
-    EXPECT_EQ(2, outcome.status);
+    EXPECT_EQ(2, outcome.status) << outcome.err;
     ASSERT_EQ(1u, outcome.errLines().size()) << outcome.err;
     EXPECT_THAT(outcome.err, StartsWith("veskdm: "));
     EXPECT_THAT(outcome.err, HasSubstr(expand(bad.message)));
@@ -110,17 +89,31 @@ TEST_P(BadInputTest, StatusTwoOneLineNothingCalledNothingWritten) {
     EXPECT_NE(0, stat((work + "/journal.jsonl").c_str(), &st));
     // Nothing logged either: the log file is made at the first line.
     EXPECT_NE(0, stat((work + "/log.jsonl").c_str(), &st));
-    std::map<std::string, std::string> after;
-    snapshot(root.path(), after);
-    EXPECT_EQ(before, after);
+    EXPECT_EQ(before, treeSnapshot(root.path()));
 }
 
 const BadInput kBadInputs[] = {
         // ---- the method ----
         {"UnknownMethod", {"call", "getSysLed"}, "unknown method \"getSysLed\""},
         {"MissingMethod", {"call"}, "METHOD is required"},
-        {"UnknownCommand", {"calls", "getSysLedState"}, "A subcommand is required"},
-        {"UnknownGlobalOption", {"--bogus", "call", "getSysLedState"}, "--bogus"},
+        {"UnknownCommand",
+         {"calls", "getSysLedState"},
+         "unknown command \"calls\" (commands: prop, timing, env, methods, call, shell, board, "
+         "debug)"},
+        {"UnknownGlobalOption",
+         {"--bogus", "call", "getSysLedState"},
+         "unknown option \"--bogus\" (options: -h/--help, --root, --log, --board-journal, "
+         "--board-script, -v/--verbose)"},
+        {"UnknownSubcommand",
+         {"prop", "bogus"},
+         "prop: unknown command \"bogus\" (commands: get, set, list)"},
+        {"MissingCommand",
+         {},
+         "a command is required: prop, timing, env, methods, call, shell, board, debug"},
+        {"MissingSubcommand", {"env"}, "env: a command is required: print, get, set"},
+        {"UnknownOptionOfACommand",
+         {"env", "print", "--devise", "x"},
+         "env print: unknown option \"--devise\" (options: -h/--help, --device)"},
         // ---- the number of arguments ----
         {"ArgumentToAMethodWithout", {"call", "getSysLedState", "1"}, "takes no arguments, got 1"},
         {"TooFewArguments", {"call", "setColorLedState", "1", "2"}, "takes 3 arguments"},
@@ -195,13 +188,18 @@ const BadInput kBadInputs[] = {
          "(IVeskDeviceCallback callback)"},
         {"CallbackFromANumber", {"call", "hwRegistCallback", "1"}, "(IVeskDeviceCallback callback)"},
         // ---- malformed JSON ----
-        {"LeadingZero", {"call", "setSysLedState", "01"}, "unreadable JSON"},
-        {"LoneMinus", {"call", "setSysLedState", "-"}, "unreadable JSON"},
-        {"ExponentWithoutDigits", {"call", "setSysLedState", "1e"}, "unreadable JSON"},
-        {"UnclosedArray", {"call", "writeSpiFpga", "[1,"}, "unreadable JSON"},
-        {"UnclosedObject", {"call", "setVeskLogConfigure", "{"}, "unreadable JSON"},
-        {"UnclosedString", {"call", "startWatchDog", "\"/dev/watchdog", "30"}, "unreadable JSON"},
-        {"TrailingText", {"call", "setSysLedState", "1 2"}, "unreadable JSON"},
+        {"HexNumber",
+         {"call", "setSysLedState", "0x10"},
+         "setSysLedState: argument 1 (int32_t state): expected an integer from -2147483648 to "
+         "2147483647 (int32_t), got \"0x10\", which is not JSON: 'x' at character 2 is not "
+         "expected there"},
+        {"LeadingZero", {"call", "setSysLedState", "01"}, "which is not JSON"},
+        {"LoneMinus", {"call", "setSysLedState", "-"}, "which is not JSON"},
+        {"ExponentWithoutDigits", {"call", "setSysLedState", "1e"}, "which is not JSON"},
+        {"UnclosedArray", {"call", "writeSpiFpga", "[1,"}, "which is not JSON"},
+        {"UnclosedObject", {"call", "setVeskLogConfigure", "{"}, "which is not JSON"},
+        {"UnclosedString", {"call", "startWatchDog", "\"/dev/watchdog", "30"}, "which is not JSON"},
+        {"TrailingText", {"call", "setSysLedState", "1 2"}, "which is not JSON"},
         // ---- shell: one bad line, one line on stderr ----
         {"ShellBadLine", {"shell"}, "line 1: ", "setSysLedState on\n"},
         // ---- hostile input ----
@@ -236,6 +234,92 @@ const BadInput kBadInputs[] = {
         {"JournalIsADirectory",
          {"--root", "{root}", "--board-journal", "{dir}", "call", "getSysLedState"},
          "is a directory"},
+        // ---- file options given as an empty word ----
+        {"EmptyLogPath",
+         {"--root", "{root}", "--log", "", "prop", "set", "persist.vesk.x", "1"},
+         "--log: expected a file name, got an empty one"},
+        {"EmptyJournalPath",
+         {"--root", "{root}", "--board-journal", "", "call", "getSysLedState"},
+         "--board-journal: expected a file name, got an empty one"},
+        {"EmptyScriptPath",
+         {"--root", "{root}", "--board-script", "", "call", "getSysLedState"},
+         "--board-script: expected a file name, got an empty one"},
+        // ---- the simulated board ----
+        {"StartOfAnEmptyProgramName",
+         {"board", "start", ""},
+         "board start: expected a program to start, got an empty word"},
+        {"ModelNumberPastAnInt",
+         {"board", "set", "model_id", "99999999999999999999"},
+         "model_id takes a decimal number from 0 to 2147483647"},
+        {"ProductKeyOfAnotherSpelling",
+         {"board", "set", "modelId", "1"},
+         "unknown product key modelId (keys: vendor, model_id, hardware_version, "},
+        {"UnknownDebugSection",
+         {"debug", "nosuch"},
+         "debug: unknown section \"nosuch\"; usage: veskdm debug [product] [mode] [env] [log]"},
+        // ---- property names a board refuses ----
+        {"PropertyNameWithEquals",
+         {"prop", "set", "a=b", "1"},
+         "expected a property name of letters, digits and . - @ : _ without an empty part between "
+         "dots, got '=' at byte 2 of \"a=b\""},
+        {"PropertyNameWithAControlByte",
+         {"prop", "set", "a\x1b", "1"},
+         "got 0x1b at byte 2 of \"a\\u001b\""},
+        {"PropertyNameWithADoubleDot", {"prop", "set", "persist..vesk", "1"}, "got '.' at byte 9"},
+        {"PropertyNameStartingWithADot", {"prop", "get", ".vesk"}, "got '.' at byte 1"},
+        {"PropertyNameOfTheStoresLimit",
+         {"prop", "set", std::string(256, 'p'), "1"},
+         "property name of 256 bytes: the store takes at most 255"},
+        {"PropertyValueNotUtf8",
+         {"prop", "set", "persist.vesk.x", "\xff"},
+         "expected a value in UTF-8, got other bytes"},
+        // ---- timings the calculator cannot compute ----
+        {"TimingWidthPastTheRange",
+         {"timing", "2147483648", "1080", "60"},
+         "timing: width must be a whole number from 1 to 40960, not '2147483648'"},
+        {"TimingEveryArgumentAtItsTypesLimit",
+         {"timing", "4294967295", "4294967295", "4294967295"},
+         "timing: width must be a whole number from 1 to 40960, not '4294967295'"},
+        {"TimingHeightPastTheRange",
+         {"timing", "1920", "40961"},
+         "timing: height must be a whole number from 1 to 40960, not '40961'"},
+        {"TimingRatePastTheRange",
+         {"timing", "1920", "1080", "1001"},
+         "timing: rate must be a whole number from 1 to 1000, not '1001'"},
+        {"TimingInterlacedRatePastTheRange",
+         {"timing", "1920", "1080", "501", "--interlaced"},
+         "timing: rate must be a whole number from 1 to 500 with --interlaced (two fields a "
+         "frame), not '501'"},
+        {"TimingWithoutAClock",
+         {"timing", "1", "1", "1"},
+         "timing: 1x1 at 1 Hz (cvt_rb) has no pixel clock: it is below the calculator's step of "
+         "0.25 MHz"},
+        {"TimingStandardBlankingWithoutAClock",
+         {"timing", "1", "1", "1", "--mode", "cvt"},
+         "timing: 1x1 at 1 Hz (cvt) has no pixel clock: it is below the calculator's step of "
+         "0.25 MHz"},
+        {"TimingVideoOptimizedReducedBlanking2",
+         {"timing", "1920", "1080", "--mode", "cvt_rb2", "--video-optimized"},
+         "timing: --video-optimized cvt_rb2 has no pixel clock in this calculator (its clock "
+         "multiplier is 0): no timing"},
+        {"TimingUnknownMode",
+         {"timing", "1920", "1080", "60", "--mode", "bogus"},
+         "timing: --mode must be cvt, cvt_rb or cvt_rb2, not 'bogus'"},
+        {"TimingNegativeCeiling",
+         {"timing", "1920", "1080", "--max-refresh", "-5"},
+         "timing: --max-refresh must be a number above 0, not '-5'"},
+        {"TimingCeilingNotANumber",
+         {"timing", "1920", "1080", "--max-height", "nan"},
+         "timing: --max-height must be a number above 0, not 'nan'"},
+        {"TimingInfiniteCeiling",
+         {"timing", "1920", "1080", "--max-width", "inf"},
+         "timing: --max-width must be a number above 0, not 'inf'"},
+        {"TimingBitsPastTheRange",
+         {"timing", "1920", "1080", "--bits", "17"},
+         "timing: --bits must be a whole number from 1 to 16, not '17'"},
+        {"TimingComponentsPastTheRange",
+         {"timing", "1920", "1080", "--components", "4.5"},
+         "timing: --components must be a number above 0 and at most 4, not '4.5'"},
 };
 
 INSTANTIATE_TEST_SUITE_P(Veskdm, BadInputTest, ::testing::ValuesIn(kBadInputs),

@@ -121,11 +121,23 @@ TEST_F(BoardCommandTest, DhcpSwitchSetThroughTheService) {
 }
 
 TEST_F(BoardCommandTest, BadKeyOrValueWritesNothing) {
-    ASSERT_EQ(veskdm.run({"board", "show"}).status, 0);  // makes the product file
+    ASSERT_EQ(veskdm.run({"board", "set", "vendor", "VESK"}).status, 0);  // makes the product file
     const std::string before = vesk::test::readFile(productFile());
+    std::string keys;
+    for (const std::string& line : kFactoryLines) {
+        keys += (keys.empty() ? "" : ", ") + line.substr(0, line.find('='));
+    }
     const std::vector<std::pair<std::vector<std::string>, std::string>> cases = {
-            {{"board", "set", "colour", "red"}, "veskdm: unknown product key colour"},
-            {{"board", "set", "model_id", "84a0"}, "veskdm: model_id takes decimal digits"},
+            {{"board", "set", "colour", "red"},
+             "veskdm: unknown product key colour (keys: " + keys + ")"},
+            {{"board", "set", "modelId", "1"},
+             "veskdm: unknown product key modelId (keys: " + keys + ")"},
+            {{"board", "set", "model_id", "84a0"},
+             "veskdm: model_id takes a decimal number from 0 to 2147483647"},
+            {{"board", "set", "model_id", "2147483648"},
+             "veskdm: model_id takes a decimal number from 0 to 2147483647"},
+            {{"board", "set", "model_id", "99999999999999999999"},
+             "veskdm: model_id takes a decimal number from 0 to 2147483647"},
             {{"board", "set", "use_dhcp", "TRUE"}, "veskdm: use_dhcp takes true or false"},
             {{"board", "set", "has_4g", "2"}, "veskdm: has_4g takes 0 or 1"},
             {{"board", "set", "mac", "00:11:22:33:44"},
@@ -140,8 +152,10 @@ TEST_F(BoardCommandTest, BadKeyOrValueWritesNothing) {
         EXPECT_EQ(outcome.out, "");
     }
     EXPECT_EQ(vesk::test::readFile(productFile()), before);
-    // A text of exactly 31 bytes fits the 32-byte slot.
-    EXPECT_EQ(veskdm.run({"board", "set", "model_id", std::string(31, '1')}).status, 0);
+    // A text of exactly 31 bytes fits the 32-byte slot; the model number's range is an int's.
+    EXPECT_EQ(veskdm.run({"board", "set", "hardware_version", std::string(31, '1')}).status, 0);
+    EXPECT_EQ(veskdm.run({"board", "set", "model_id", "2147483647"}).status, 0);
+    EXPECT_EQ(veskdm.run({"board", "set", "model_id", "0"}).status, 0);
 }
 
 // Each open serial channel links its pseudo-terminal's far end into the root's dev/; show lists
@@ -216,7 +230,8 @@ TEST_F(BoardCommandTest, KillsOnlyAProcessTheBoardStarted) {
 TEST_F(BoardCommandTest, StartOfAMissingProgramFails) {
     Outcome outcome = veskdm.run({"board", "start", "/no/such/program"});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_THAT(outcome.errLines(), ElementsAre("veskdm: cannot start /no/such/program"));
+    EXPECT_THAT(outcome.errLines(),
+                ElementsAre("veskdm: cannot start /no/such/program: No such file or directory"));
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 // library (which records each factory and method call in a file).
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <string.h>
 
 #include "InProcessRunner.h"
 #include "InterfaceSlots.h"
@@ -250,8 +252,10 @@ TEST_F(CommandLineTest, RefusesUnreadableJson) {
     Outcome outcome = veskdm.run({"call", "writeSerialPort232", "[1, 2"});
     EXPECT_EQ(outcome.status, 2);
     ASSERT_EQ(outcome.errLines().size(), 1u);
-    EXPECT_THAT(outcome.err, StartsWith("veskdm: writeSerialPort232: argument 1 (vec<uint8_t> "
-                                        "data): unreadable JSON \"[1, 2\": "));
+    EXPECT_EQ(outcome.err,
+              "veskdm: writeSerialPort232: argument 1 (vec<uint8_t> data): expected an array "
+              "(vec<uint8_t>), each element an integer from 0 to 255 (uint8_t), got \"[1, 2\", "
+              "which is not JSON: it ends before its value does\n");
     EXPECT_THAT(calls(), ElementsAre());
 }
 
@@ -342,6 +346,50 @@ TEST_F(CommandLineTest, AnAllocationThatFailsInAShellEndsOnlyThatLine) {
                             "cannot be allocated"));
     EXPECT_THAT(outcome.outLines(),
                 ElementsAre(R"({"method":"setSysLedState","return":0,"callbacks":[]})"));
+}
+
+// ---- a service that ends its process ----
+
+TEST_F(CommandLineTest, AServiceEndedBySignalIsOneLineWithItsLastWords) {
+    Outcome outcome = veskdm.run({"call", "setPQEnable", "-15"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, std::string("veskdm: the service was ended by signal 15 (") +
+                                   strsignal(SIGTERM) + "): fake: ending on a signal\n");
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_THAT(calls(), ElementsAre("fetch default", "setPQEnable -15"));
+}
+
+// The last line the process wrote itself, not an emulator's line about the signal.
+TEST_F(CommandLineTest, AnAbortIsReportedWithTheProcesssLastWords) {
+    Outcome outcome = veskdm.run({"call", "setPQEnable", "-6"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "veskdm: the service aborted: fake: last words\n");
+    EXPECT_EQ(outcome.out, "");
+}
+
+TEST_F(CommandLineTest, AServiceThatEndsItsProcessIsOneLine) {
+    Outcome outcome = veskdm.run({"call", "setPQEnable", "-3"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "veskdm: the service ended its process with status 3\n");
+    EXPECT_EQ(outcome.out, "");
+}
+
+// The shell stops at the line that ended the service and names it; earlier answers stand.
+TEST_F(CommandLineTest, AShellStopsWhereTheServiceEnded) {
+    Outcome outcome = veskdm.run({"shell"}, "setSysLedState 5\nsetPQEnable -3\ngetSysLedState\n");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "veskdm: line 2: the service ended its process with status 3\n");
+    EXPECT_THAT(outcome.outLines(),
+                ElementsAre(R"({"method":"setSysLedState","return":0,"callbacks":[]})"));
+    EXPECT_THAT(calls(), ElementsAre("fetch default", "setSysLedState 5", "setPQEnable -3"));
+}
+
+// The service's process is the run's child: what it changes in its own process is gone after
+// the run, so that every run (and every test) starts from the same state.
+TEST_F(CommandLineTest, EachRunHasAServiceProcessOfItsOwn) {
+    EXPECT_EQ(veskdm.run({"call", "setSysLedState", "6"}).status, 0);
+    EXPECT_EQ(veskdm.run({"call", "getSysLedState"}).out,
+              "{\"method\":\"getSysLedState\",\"return\":0,\"callbacks\":[]}\n");
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 // device root, with the board's call journal as the witness of what reached the board.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <nlohmann/json.hpp>
 
@@ -253,12 +254,25 @@ TEST_F(EndToEndTest, RefusesStructWithUnknownField) {
                   "setVeskLogConfigure: argument 1 (VeskLogInfo info): unknown field \"onceSize\"");
 }
 
+// A serial channel lives as long as the service's process: while a shell runs, its peer link is
+// in the root; when the shell ends, the board removes it as a service's process ends.
+TEST_F(EndToEndTest, AShellsSerialChannelIsGoneWithIt) {
+    Outcome outcome = run({"shell"}, "openSerialPort232 9600 8 1 0\n");
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_EQ(outcome.out, "{\"method\":\"openSerialPort232\",\"return\":0,\"callbacks\":[]}\n");
+    struct stat st;
+    EXPECT_NE(0, lstat((root / "/dev/ttyVESK232").c_str(), &st));
+    EXPECT_THAT(journalFunctions(), ElementsAre("bi_init_product_config", "bi_serial_232_open"));
+}
+
 TEST_F(EndToEndTest, RefusesUnreadableJson) {
     Outcome outcome = run({"call", "setRtcBootTime", "[2024, 1,"});
     EXPECT_EQ(outcome.status, 2);
     ASSERT_EQ(outcome.errLines().size(), 1u);
-    EXPECT_THAT(outcome.err, StartsWith("veskdm: setRtcBootTime: argument 1 (vec<uint32_t> time): "
-                                        "unreadable JSON \"[2024, 1,\": "));
+    EXPECT_EQ(outcome.err,
+              "veskdm: setRtcBootTime: argument 1 (vec<uint32_t> time): expected an array "
+              "(vec<uint32_t>), each element an integer from 0 to 4294967295 (uint32_t), got "
+              "\"[2024, 1,\", which is not JSON: it ends before its value does\n");
     EXPECT_EQ(vesk::test::readFile(journalFile), "");
 }
 

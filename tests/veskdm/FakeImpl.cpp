@@ -4,8 +4,10 @@
  * tests, and appends one line per factory call and per method call ("fetch NAME",
  * "setSysLedState 3", "getSysLedState") to the file named by $VESK_FAKE_CALLS.
  */
+#include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <unistd.h>
 #include <vesk/hardware/veskdevicemanager/1.0/IVeskDeviceManager.h>
 
 #include <new>
@@ -112,6 +114,25 @@ class FakeDeviceManager : public RecordingDeviceManager {
         record("setVeskLogConfigure " + std::string(info.level) + "|" + std::string(info.base) +
                "|" + std::string(info.mode) + "|" + std::string(info.total_size) + "|" +
                std::string(info.once_size));
+        return 0;
+    }
+    // Ends the process the way a crash does (-15: SIGTERM after a line on standard error), an
+    // abort under an emulator does (-6: the emulator's own line after the process's last words)
+    // or a call of _exit does (-3: status 3), so that the tool's report of each can be seen.
+    Return<int32_t> setPQEnable(int32_t enable) override {
+        record("setPQEnable " + std::to_string(enable));
+        if (enable == -15) {
+            fputs("fake: ending on a signal\n", stderr);
+            fflush(stderr);
+            raise(SIGTERM);
+        }
+        if (enable == -6) {
+            fputs("fake: last words\n\nqemu: uncaught target signal 6 (Aborted) - core dumped\n",
+                  stderr);
+            fflush(stderr);
+            abort();
+        }
+        if (enable == -3) _exit(3);
         return 0;
     }
     Return<int32_t> hwRegistCallback(const ::android::sp<IVeskDeviceCallback>& callback) override {

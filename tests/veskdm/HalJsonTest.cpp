@@ -86,8 +86,32 @@ TEST(ArgumentWord, MalformedJsonIsAnError) {
         try {
             word(text);
             ADD_FAILURE() << text << " was read";
-        } catch (const ArgumentError& error) {
-            EXPECT_EQ(std::string(error.what()).rfind("unreadable JSON ", 0), 0u) << error.what();
+        } catch (const UnreadableJson& error) {
+            std::string quoted = Json(text).dump();
+            EXPECT_EQ(std::string(error.what()).rfind(quoted + ", which is not JSON: ", 0), 0u)
+                    << error.what();
+        }
+    }
+}
+
+// Where a word stops being JSON, in the tool's words: the unexpected character and its place
+// (counted from 1), or that the word ends first.
+TEST(ArgumentWord, UnreadableJsonSaysWhereItStops) {
+    const std::pair<const char*, const char*> kWords[] = {
+            {"0x10", "\"0x10\", which is not JSON: 'x' at character 2 is not expected there"},
+            {"01", "\"01\", which is not JSON: '1' at character 2 is not expected there"},
+            {"1 2", "\"1 2\", which is not JSON: '2' at character 3 is not expected there"},
+            {"[1,]", "\"[1,]\", which is not JSON: ']' at character 4 is not expected there"},
+            {"[1, 2", "\"[1, 2\", which is not JSON: it ends before its value does"},
+            {"-", "\"-\", which is not JSON: it ends before its value does"},
+            {"\"open", "\"\\\"open\", which is not JSON: it ends before its value does"},
+    };
+    for (const auto& [text, message] : kWords) {
+        try {
+            word(text);
+            ADD_FAILURE() << text << " was read";
+        } catch (const UnreadableJson& error) {
+            EXPECT_EQ(message, std::string(error.what()));
         }
     }
 }

@@ -36,14 +36,16 @@ std::vector<std::string> Outcome::outLines() const {
     return splitLines(out);
 }
 
-VeskdmRunner::VeskdmRunner(const vesk::test::TempRoot& root) : mRoot(root.path()) {}
+VeskdmRunner::VeskdmRunner(const vesk::test::TempRoot& root)
+    : mRoot(root.path()), mWorkDir(root.path()) {}
 
 Outcome VeskdmRunner::run(const std::vector<std::string>& args, const std::string& input) const {
-    std::string inputFile = mRoot + "/veskdm.stdin";
-    std::string errFile = mRoot + "/veskdm.stderr";
+    std::string inputFile = mWorkDir + "/veskdm.stdin";
+    std::string errFile = mWorkDir + "/veskdm.stderr";
     vesk::test::writeFile(inputFile, input);
     std::string command;
     for (const std::string& assignment : environment) command += assignment + " ";
+    if (deadlineSeconds > 0) command += "timeout -s KILL " + std::to_string(deadlineSeconds) + " ";
     command += vesk::test::veskdmCommand() + " --root " + shellQuote(mRoot);
     for (const std::string& arg : args) command += " " + shellQuote(arg);
     command += " < " + shellQuote(inputFile) + " 2> " + shellQuote(errFile);

@@ -22,9 +22,15 @@ class VeskdmRunner {
   public:
     // The run keeps its standard input and error as files in the root.
     explicit VeskdmRunner(const vesk::test::TempRoot& root);
+    // The same on the root `root`, the files kept in `workDir`.
+    VeskdmRunner(const std::string& root, const std::string& workDir)
+        : mRoot(root), mWorkDir(workDir) {}
 
     // Environment assignments put before the program ("NAME=value").
     std::vector<std::string> environment;
+    // When not 0, a run still going after this many seconds is killed (status 137): a test of
+    // something that must not wait fails instead of waiting with it.
+    int deadlineSeconds = 0;
 
     // veskdm --root ROOT ARGS... < input
     Outcome run(const std::vector<std::string>& args, const std::string& input = "") const;
@@ -33,6 +39,7 @@ class VeskdmRunner {
 
   private:
     std::string mRoot;
+    std::string mWorkDir;
 };
 
 std::string shellQuote(const std::string& word);

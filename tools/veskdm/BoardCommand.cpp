@@ -2,6 +2,8 @@
  * veskdm board: the simulated board's product description, its state file and the peer links
  * of its open serial channels, all in the device root; and processes the board may kill.
  */
+#include <errno.h>
+#include <string.h>
 
 #include <memory>
 #include <ostream>
@@ -49,7 +51,7 @@ void addBoardCommand(CLI::App& app, Context& context) {
             "print the product description (KEY=VALUE), the state file, the watchdog "
             "and the serial channels' peer links");
     show->callback([&context] {
-        context.useRoot();
+        context.useExistingRoot();  // showing the board changes nothing
         std::ostream& out = context.out;
         vesk::sim::ProductDescription description = vesk::sim::loadProductDescription();
         for (const vesk::sim::ProductField& field : vesk::sim::productFields()) {
@@ -78,9 +80,14 @@ void addBoardCommand(CLI::App& app, Context& context) {
             ->required()
             ->expected(-1);
     start->callback([options, &context] {
+        if (options->program[0].empty()) {
+            throw UsageError("board start: expected a program to start, got an empty word");
+        }
         context.useRoot();
         int pid = vesk::sim::startBoardProcess(options->program);
-        if (pid < 0) throw CommandError("cannot start " + options->program[0]);
+        if (pid < 0) {
+            throw CommandError("cannot start " + options->program[0] + ": " + strerror(errno));
+        }
         context.out << pid << "\n";
     });
 }

@@ -7,6 +7,7 @@
 #include "HalJson.h"
 #include "LazyService.h"
 #include "MethodTable.h"
+#include "ServiceProcess.h"
 
 namespace veskdm {
 namespace {
@@ -18,12 +19,14 @@ void callOnce(Context& context, const std::vector<std::string>& words) {
     } catch (const ArgumentError& error) {
         throw UsageError(error.what());
     }
-    LazyService service(context);
-    try {
-        context.out << dumpJson(runCall(call, service.get())) << "\n";
-    } catch (const TransportError& error) {
-        throw CommandError(call.method->name + ": transport error: " + error.what());
-    }
+    runInServiceProcess(context, [&call](Context& child) {
+        LazyService service(child);
+        try {
+            child.out << dumpJson(runCall(call, service.get())) << "\n";
+        } catch (const TransportError& error) {
+            throw CommandError(call.method->name + ": transport error: " + error.what());
+        }
+    });
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 
 #include "Commands.h"
 #include "LazyService.h"
+#include "ServiceProcess.h"
 
 namespace veskdm {
 namespace {
@@ -59,7 +60,22 @@ class DebugFile {
     native_handle_t* mHandle;
 };
 
+// The sections of the service's debug text.
+constexpr const char* kSections[] = {"product", "mode", "env", "log"};
+constexpr char kUsage[] = "veskdm debug [product] [mode] [env] [log]";
+
+void checkSections(const std::vector<std::string>& sections) {
+    for (const std::string& section : sections) {
+        bool known = false;
+        for (const char* name : kSections) known = known || section == name;
+        if (!known) {
+            throw UsageError("debug: unknown section \"" + section + "\"; usage: " + kUsage);
+        }
+    }
+}
+
 void printDebug(Context& context, const std::vector<std::string>& sections) {
+    context.useExistingRoot();  // showing the state changes nothing
     LazyService service(context);
     IVeskDeviceManager& manager = service.get();
     DebugFile file;
@@ -83,7 +99,10 @@ void addDebugCommand(CLI::App& app, Context& context) {
     auto* debug = app.add_subcommand("debug", "the service's state, as lshal debug shows it");
     debug->footer("SECTIONs: product, mode, env, log (all of them when none is named).");
     debug->add_option("SECTION", *sections, "sections to print");
-    debug->callback([sections, &context] { printDebug(context, *sections); });
+    debug->callback([sections, &context] {
+        checkSections(*sections);
+        runInServiceProcess(context, [sections](Context& child) { printDebug(child, *sections); });
+    });
 }
 
 }  // namespace veskdm

@@ -4,6 +4,8 @@
  */
 #pragma once
 
+#include <functional>
+#include <ostream>
 #include <stdexcept>
 
 namespace veskdm {
@@ -31,5 +33,9 @@ class ExitStatus {
   private:
     int mStatus;
 };
+
+// Runs `body` and returns the run's exit status: 0, or that of the failure it threw, whose one
+// line ("veskdm: ...") goes to `err`.
+int statusOf(const std::function<void()>& body, std::ostream& err);
 
 }  // namespace veskdm

@@ -30,11 +30,15 @@ std::string parentOf(const std::string& path) {
 
 }  // namespace
 
-void checkRootPath(const std::string& root) {
-    if (root.empty()) throw UsageError("--root: the device root is an empty path");
+void checkRootPath(const std::string& root, const std::string& namedBy) {
+    if (root.empty()) throw UsageError(namedBy + ": the device root is an empty path");
     struct stat st;
-    if (stat(root.c_str(), &st) != 0) throw UsageError("--root: no such directory " + root);
-    if (!S_ISDIR(st.st_mode)) throw UsageError("--root: " + root + " is not a directory");
+    if (stat(root.c_str(), &st) != 0) throw UsageError(namedBy + ": no such directory " + root);
+    if (!S_ISDIR(st.st_mode)) throw UsageError(namedBy + ": " + root + " is not a directory");
+}
+
+void checkNotEmpty(const std::string& path, const std::string& option) {
+    if (path.empty()) throw UsageError(option + ": expected a file name, got an empty one");
 }
 
 void checkJournalPath(const std::string& path) {

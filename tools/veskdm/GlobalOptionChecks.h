@@ -11,9 +11,11 @@ namespace veskdm {
 // Whether PATH names a directory (following links, as the options' users do).
 bool isDirectory(const std::string& path);
 
-// A device root named with --root: an existing directory (a named root is never made);
-// throws UsageError otherwise.
-void checkRootPath(const std::string& root);
+// A device root named by the user (`namedBy`: "--root" or "$VESK_ROOT"): an existing directory
+// (a named root is never made); throws UsageError otherwise.
+void checkRootPath(const std::string& root, const std::string& namedBy);
+// A file option given as an empty word (--log "") names no file: UsageError.
+void checkNotEmpty(const std::string& path, const std::string& option);
 // A board journal the board can append to (an existing file, or a new one in an existing
 // directory); nothing is created. Throws UsageError otherwise.
 void checkJournalPath(const std::string& path);

@@ -181,8 +181,13 @@ Json readArgumentWord(const std::string& word) {
         // Only objects can repeat keys; the plain parser is several times faster.
         value = word.find('{') == std::string::npos ? Json::parse(word)
                                                     : Json::parse(word, noteKeys);
-    } catch (const Json::exception& error) {
-        throw ArgumentError("unreadable JSON " + describeValue(Json(word)) + ": " + error.what());
+    } catch (const Json::parse_error& error) {
+        // The parser counts the bytes it read, the one it stopped at included.
+        std::string where = error.byte > word.size()
+                                    ? "it ends before its value does"
+                                    : "'" + word.substr(error.byte - 1, 1) + "' at character " +
+                                              std::to_string(error.byte) + " is not expected there";
+        throw UnreadableJson(describeValue(Json(word)) + ", which is not JSON: " + where);
     }
     if (!repeatedKey.empty()) throw ArgumentError("repeated field \"" + repeatedKey + "\"");
     return value;
@@ -313,12 +318,72 @@ void fromJson(const Json& in, ::android::sp<hal::IVeskDeviceCallback>& out) {
     }
 }
 
+std::string describeForm(Form<bool>) {
+    return "true or false";
+}
+std::string describeForm(Form<float>) {
+    return "a number (float)";
+}
+std::string describeForm(Form<double>) {
+    return "a number (double)";
+}
+std::string describeForm(Form<hidl_string>) {
+    return "a string (a word, or JSON in double quotes)";
+}
+std::string describeForm(Form<::android::sp<hal::IVeskDeviceCallback>>) {
+    return "null or \"callback\"";
+}
+
+namespace {
+
+template <typename S, typename Fields>
+std::string structForm(const Fields& fields) {
+    std::string names;
+    std::apply(
+            [&](const auto&... field) {
+                ((names += (names.empty() ? "" : ", ") + std::string(field.name)), ...);
+            },
+            fields);
+    return "a " + HalTypeName<S>::get() + " object with the fields " + names;
+}
+
+}  // namespace
+
+std::string describeForm(Form<hal::ProductInfo>) {
+    return structForm<hal::ProductInfo>(kProductInfoFields);
+}
+std::string describeForm(Form<hal::WatchDogCfg>) {
+    return structForm<hal::WatchDogCfg>(kWatchDogCfgFields);
+}
+std::string describeForm(Form<hal::ProcessInfo>) {
+    return structForm<hal::ProcessInfo>(kProcessInfoFields);
+}
+std::string describeForm(Form<hal::UsbList>) {
+    return structForm<hal::UsbList>(kUsbListFields);
+}
+std::string describeForm(Form<hal::CpuStatus>) {
+    return structForm<hal::CpuStatus>(kCpuStatusFields);
+}
+std::string describeForm(Form<hal::VeskLogInfo>) {
+    return structForm<hal::VeskLogInfo>(kVeskLogInfoFields);
+}
+std::string describeForm(Form<hal::VeskEffeResolution>) {
+    return structForm<hal::VeskEffeResolution>(kVeskEffeResolutionFields);
+}
+std::string describeForm(Form<hal::MessageParcel>) {
+    return structForm<hal::MessageParcel>(kMessageParcelFields);
+}
+
 namespace detail {
+
+std::string integerForm(const std::string& type, long long min, unsigned long long max) {
+    return "an integer from " + std::to_string(min) + " to " + std::to_string(max) + " (" + type +
+           ")";
+}
 
 void throwNotInteger(const std::string& type, long long min, unsigned long long max,
                      const Json& in) {
-    std::string expected = "expected an integer from " + std::to_string(min) + " to " +
-                           std::to_string(max) + " (" + type + "), got " + describeValue(in);
+    std::string expected = "expected " + integerForm(type, min, max) + ", got " + describeValue(in);
     if (in.is_number_integer()) {
         throw ArgumentError(expected + " (out of range)");
     }

@@ -30,6 +30,13 @@ class ArgumentError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// A word that starts like JSON and is none; the message quotes the word and says where it
+// stops being JSON ("\"0x10\", which is not JSON: 'x' at character 2 is not expected there").
+class UnreadableJson : public ArgumentError {
+  public:
+    using ArgumentError::ArgumentError;
+};
+
 // The deepest nesting of arrays and objects an argument may have.
 inline constexpr size_t kMaxNesting = 64;
 
@@ -38,9 +45,9 @@ inline constexpr size_t kMaxNesting = 64;
 inline constexpr size_t kMaxPrintedElements = size_t{1} << 24;
 
 // One command-line word as a JSON value. A word that starts like JSON (with {, [, ", - or a
-// digit) or is true, false or null must be valid JSON (objects without repeated keys); any
-// other word is taken as the string it spells. JSON nested deeper than kMaxNesting is refused
-// before it is parsed.
+// digit) or is true, false or null must be valid JSON (objects without repeated keys: else
+// UnreadableJson); any other word is taken as the string it spells. JSON nested deeper than
+// kMaxNesting is refused before it is parsed.
 Json readArgumentWord(const std::string& word);
 
 // A value as it is quoted in messages (compact JSON, long values shortened).
@@ -98,9 +105,35 @@ void fromJson(const Json& in, ::android::hardware::hidl_vec<T>& out);
 template <typename T, size_t N>
 void fromJson(const Json& in, ::android::hardware::hidl_array<T, N>& out);
 
+// ---- what each type is written as, for messages ("an integer from 0 to 255 (uint8_t)") ----
+
+template <typename T>
+struct Form {};
+
+std::string describeForm(Form<bool>);
+std::string describeForm(Form<float>);
+std::string describeForm(Form<double>);
+std::string describeForm(Form<::android::hardware::hidl_string>);
+std::string describeForm(Form<hal::ProductInfo>);
+std::string describeForm(Form<hal::WatchDogCfg>);
+std::string describeForm(Form<hal::ProcessInfo>);
+std::string describeForm(Form<hal::UsbList>);
+std::string describeForm(Form<hal::CpuStatus>);
+std::string describeForm(Form<hal::VeskLogInfo>);
+std::string describeForm(Form<hal::VeskEffeResolution>);
+std::string describeForm(Form<hal::MessageParcel>);
+std::string describeForm(Form<::android::sp<hal::IVeskDeviceCallback>>);
+template <typename T, std::enable_if_t<std::is_integral_v<T> && !std::is_same_v<T, bool>, int> = 0>
+std::string describeForm(Form<T>);
+template <typename T>
+std::string describeForm(Form<::android::hardware::hidl_vec<T>>);
+template <typename T, size_t N>
+std::string describeForm(Form<::android::hardware::hidl_array<T, N>>);
+
 // ---- templates ----
 
 namespace detail {
+std::string integerForm(const std::string& type, long long min, unsigned long long max);
 [[noreturn]] void throwNotInteger(const std::string& type, long long min, unsigned long long max,
                                   const Json& in);
 [[noreturn]] void throwNotArray(const Json& in);
@@ -129,6 +162,26 @@ void fromJson(const Json& in, T& out) {
         }
     }
     detail::throwNotInteger(halTypeName<T>(), min, max, in);
+}
+
+template <typename T, std::enable_if_t<std::is_integral_v<T> && !std::is_same_v<T, bool>, int>>
+std::string describeForm(Form<T>) {
+    return detail::integerForm(
+            halTypeName<T>(),
+            static_cast<long long>(
+                    std::numeric_limits<T>::min()),  // NOLINT(bugprone-signed-char-misuse)
+            static_cast<unsigned long long>(std::numeric_limits<T>::max()));
+}
+
+template <typename T>
+std::string describeForm(Form<::android::hardware::hidl_vec<T>>) {
+    return "an array (" + halTypeName<::android::hardware::hidl_vec<T>>() + "), each element " +
+           describeForm(Form<T>{});
+}
+
+template <typename T, size_t N>
+std::string describeForm(Form<::android::hardware::hidl_array<T, N>>) {
+    return "an array of " + std::to_string(N) + " elements, each " + describeForm(Form<T>{});
 }
 
 template <typename T>

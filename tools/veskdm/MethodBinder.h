@@ -125,6 +125,10 @@ T readArgument(const std::string& method, const std::string& word, size_t index,
     T value{};
     try {
         fromJson(readArgumentWord(word), value);
+    } catch (const UnreadableJson& error) {
+        rethrowForArgument(
+                method, index, parameter,
+                ArgumentError("expected " + describeForm(Form<T>{}) + ", got " + error.what()));
     } catch (const ArgumentError& error) {
         rethrowForArgument(method, index, parameter, error);
     }

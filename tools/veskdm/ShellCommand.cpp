@@ -8,6 +8,7 @@
 #include "LazyService.h"
 #include "MethodTable.h"
 #include "RunLog.h"
+#include "ServiceProcess.h"
 #include "ShellTokenizer.h"
 
 namespace veskdm {
@@ -32,6 +33,7 @@ int runShell(Context& context) {
             badLine = true;
             continue;
         }
+        context.markStep("line " + std::to_string(number));
         try {
             context.out << dumpJson(runCall(call, service.get())) << "\n";
             context.out.flush();  // a shell's client reads each answer before it writes the next
@@ -60,10 +62,13 @@ void addShellCommand(CLI::App& app, Context& context) {
             "skipped; [...], {...}, \"...\" and '...' keep their blanks. A bad line is reported "
             "on\n"
             "stderr and nothing is called for it; later lines still run, and the exit status is "
-            "2.");
+            "2.\n"
+            "A line that ends the service's process (it aborts on some inputs) ends the shell.");
     shell->callback([&context] {
-        int status = runShell(context);
-        if (status != 0) throw ExitStatus(status);
+        runInServiceProcess(context, [](Context& child) {
+            int status = runShell(child);
+            if (status != 0) throw ExitStatus(status);
+        });
     });
 }
 

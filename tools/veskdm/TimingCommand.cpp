@@ -7,12 +7,15 @@
 #include <stdlib.h>
 
 #include <cmath>
+#include <functional>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <string>
 
 #include "Commands.h"
 #include "TimingDumpLines.h"
+#include "TimingInput.h"
 #include "VideoTimingCaculator.h"
 
 namespace veskdm {
@@ -30,24 +33,46 @@ struct TimingOptions {
     bool interlaced = false;
     bool margins = false;
     bool videoOptimized = false;
-    uint32_t bits = 8;
-    double components = 3.0;
+    std::string bits = "8";
+    std::string components = "3.0";
     std::string format = "text";
-    double maxRefreshClock = 0;
-    double maxWidthClock = 0;
-    double maxHeightClock = 0;
+    std::string maxRefreshClock;
+    std::string maxWidthClock;
+    std::string maxHeightClock;
+    // Which search was asked for (its option given, even empty).
+    bool maxRefresh = false;
+    bool maxWidth = false;
+    bool maxHeight = false;
 };
 
-// A size or rate: a positive whole number that fits the calculator's 32 bits.
-uint32_t parsePositive(const std::string& text, const char* what) {
-    bool digits = !text.empty() && text.size() <= 10;
-    for (char c : text) digits = digits && c >= '0' && c <= '9';
-    unsigned long long value = digits ? strtoull(text.c_str(), nullptr, 10) : 0;
-    if (value == 0 || value > UINT32_MAX) {
-        throw UsageError(std::string("timing: ") + what + " must be a whole number from 1 to " +
-                         std::to_string(UINT32_MAX) + ", not '" + text + "'");
+// The arguments as the calculator takes them, each checked.
+struct TimingRequest {
+    uint32_t width;
+    uint32_t height;
+    uint32_t rate;
+    uint32_t maxRate;  // the highest rate the mode takes
+    uint32_t bits;
+    double components;
+    const TimingOptions& options;
+};
+
+TimingRequest readRequest(const TimingOptions& options) {
+    checkTimingMode(options.mode);
+    if (options.videoOptimized && options.mode == "cvt_rb2") {
+        // Kept as the output-mode control has it: its clock multiplier is 0 there.
+        throw UsageError(
+                "timing: --video-optimized cvt_rb2 has no pixel clock in this calculator (its "
+                "clock multiplier is 0): no timing");
     }
-    return static_cast<uint32_t>(value);
+    uint32_t maxRate = options.interlaced ? kMaxFieldRate / 2 : kMaxFieldRate;
+    std::string rateNote = options.interlaced ? " with --interlaced (two fields a frame)" : "";
+    return {readWholeNumber(options.width, "width", 1, kMaxTimingSize),
+            readWholeNumber(options.height, "height", 1, kMaxTimingSize),
+            readWholeNumber(options.rate, "rate", 1, maxRate, rateNote),
+            maxRate,
+            readWholeNumber(options.bits, "--bits", 1, kMaxBitsPerComponent),
+            readPositiveNumber(options.components, "--components", kMaxComponentsPerPixel),
+            options};
 }
 
 // printf-style formatting into a string.
@@ -124,42 +149,86 @@ void printModeline(std::ostream& out, const timing_t& t, const TimingOptions& op
                   options.interlaced ? " Interlace" : "");
 }
 
-void run(std::ostream& out, const TimingOptions& options, const CLI::Option* maxRefresh,
-         const CLI::Option* maxWidth, const CLI::Option* maxHeight) {
-    uint32_t width = parsePositive(options.width, "width");
-    uint32_t height = parsePositive(options.height, "height");
-    uint32_t rate = parsePositive(options.rate, "rate");
-    if (options.bits == 0) throw UsageError("timing: --bits must be at least 1");
-    if (!(options.components > 0 && std::isfinite(options.components))) {
-        throw UsageError("timing: --components must be a positive number");
+// A timing without a clock has no rates or periods: refused, with the reason.
+void checkHasClock(const timing_t& timing, const TimingRequest& request) {
+    if (timing.pix_clock > 0 && std::isfinite(timing.h_period) && std::isfinite(timing.v_period)) {
+        return;
     }
+    const char* step = request.options.mode == "cvt_rb2" ? "0.001" : "0.25";
+    throw UsageError("timing: " + request.options.width + "x" + request.options.height + " at " +
+                     request.options.rate + " Hz (" + request.options.mode +
+                     ") has no pixel clock: it is below the calculator's step of " + step + " MHz");
+}
 
+// A search answers a size or rate only within the range the calculator takes; outside it the
+// answer (-1 when it ran to its bound, or below 1 when the first step was over the ceiling)
+// is none. `clockAtMax` gives the clock at the top of the range.
+void printSearchAnswer(std::ostream& out, int answer, uint32_t max, const std::string& unit,
+                       double ceiling, const std::function<double()>& clockAtMax,
+                       const std::string& what, const std::string& margin) {
+    if (answer >= 1 && static_cast<uint32_t>(answer) <= max) {
+        out << answer << "\n";
+        return;
+    }
+    std::ostringstream text;
+    text << "timing: ";
+    if (clockAtMax() <= ceiling) {
+        text << "every " << what << " up to " << max << " " << unit << " stays under " << ceiling
+             << " MHz: the search has no answer";
+    } else {
+        text << "no " << what << " fits under " << ceiling << " MHz (the search keeps " << margin
+             << " below the first one over it)";
+    }
+    throw CommandError(text.str());
+}
+
+void run(std::ostream& out, const TimingOptions& options) {
+    TimingRequest r = readRequest(options);
     VideoTimingCaculator calculator;
-    if (maxRefresh->count() > 0) {
-        out << calculator.getMaxVFreq(width, height, options.maxRefreshClock, options.bits,
-                                      options.components, options.mode, options.margins,
-                                      options.interlaced, options.videoOptimized)
-            << "\n";
+    auto clockOf = [&](uint32_t width, uint32_t height, uint32_t rate) {
+        return [=, &calculator, &options] {
+            return calculator.getPixClock(width, height, rate, r.bits, r.components, options.mode,
+                                          options.margins, options.interlaced,
+                                          options.videoOptimized);
+        };
+    };
+    std::string at = " of " + options.width + "x" + options.height;
+    if (options.maxRefresh) {
+        double ceiling = readPositiveNumber(options.maxRefreshClock, "--max-refresh");
+        int answer = calculator.getMaxVFreq(r.width, r.height, ceiling, r.bits, r.components,
+                                            options.mode, options.margins, options.interlaced,
+                                            options.videoOptimized);
+        printSearchAnswer(out, answer, r.maxRate, "Hz", ceiling,
+                          clockOf(r.width, r.height, r.maxRate), "refresh rate" + at, "5 Hz");
         return;
     }
-    if (maxWidth->count() > 0) {
-        out << calculator.getMaxHPixs(height, rate, options.maxWidthClock, options.bits,
-                                      options.components, options.mode, options.margins,
-                                      options.interlaced, options.videoOptimized)
-            << "\n";
+    if (options.maxWidth) {
+        double ceiling = readPositiveNumber(options.maxWidthClock, "--max-width");
+        int answer = calculator.getMaxHPixs(r.height, r.rate, ceiling, r.bits, r.components,
+                                            options.mode, options.margins, options.interlaced,
+                                            options.videoOptimized);
+        printSearchAnswer(out, answer, kMaxTimingSize, "pixels", ceiling,
+                          clockOf(kMaxTimingSize, r.height, r.rate),
+                          "width of " + options.height + " lines at " + options.rate + " Hz",
+                          "12 pixels");
         return;
     }
-    if (maxHeight->count() > 0) {
-        out << calculator.getMaxVPixs(width, rate, options.maxHeightClock, options.bits,
-                                      options.components, options.mode, options.margins,
-                                      options.interlaced, options.videoOptimized)
-            << "\n";
+    if (options.maxHeight) {
+        double ceiling = readPositiveNumber(options.maxHeightClock, "--max-height");
+        int answer =
+                calculator.getMaxVPixs(r.width, r.rate, ceiling, r.bits, r.components, options.mode,
+                                       options.margins, options.interlaced, options.videoOptimized);
+        printSearchAnswer(out, answer, kMaxTimingSize, "lines", ceiling,
+                          clockOf(r.width, kMaxTimingSize, r.rate),
+                          "height of " + options.width + " pixels at " + options.rate + " Hz",
+                          "12 lines");
         return;
     }
 
-    calculator.calculateCvt(width, height, rate, options.bits, options.components, options.mode,
+    calculator.calculateCvt(r.width, r.height, r.rate, r.bits, r.components, options.mode,
                             options.margins, options.interlaced, options.videoOptimized);
     timing_t timing = calculator.getCvtTiming();
+    checkHasClock(timing, r);
     if (options.format == "json") {
         printJson(out, timing);
     } else if (options.format == "modeline") {
@@ -175,6 +244,9 @@ void addTimingCommand(CLI::App& app, Context& context) {
     auto shared = std::make_shared<TimingOptions>();
     TimingOptions& options = *shared;
     auto* timing = app.add_subcommand("timing", "CVT timing of W x H at RATE Hz (default 60)");
+    timing->footer("Sizes from 1 to " + std::to_string(kMaxTimingSize) + ", rates from 1 to " +
+                   std::to_string(kMaxFieldRate) + " Hz (" + std::to_string(kMaxFieldRate / 2) +
+                   " interlaced): the calculator's totals fit its fields there.");
     timing->add_option("W", options.width, "active width, pixels")->required();
     timing->add_option("H", options.height, "active height, lines")->required();
     timing->add_option("RATE", options.rate, "refresh rate, Hz");
@@ -182,9 +254,10 @@ void addTimingCommand(CLI::App& app, Context& context) {
     timing->add_flag("--interlaced", options.interlaced, "interlaced: 2 x RATE fields of H/2 lines");
     timing->add_flag("--margins", options.margins, "1.8 % margins on every side");
     timing->add_flag("--video-optimized", options.videoOptimized,
-                     "video-optimised cvt_rb2 (no clock)");
-    timing->add_option("--bits", options.bits, "bits per component (8)");
-    timing->add_option("--components", options.components, "components per pixel (3.0)");
+                     "video-optimised cvt_rb2 (which has no clock here)");
+    timing->add_option("--bits", options.bits, "bits per component, 1 to 16 (8)");
+    timing->add_option("--components", options.components,
+                       "components per pixel, above 0 and at most 4 (3.0)");
     timing->add_option("--format", options.format, "text (default), json or modeline")
             ->check(CLI::IsMember({"text", "json", "modeline"}));
     auto* maxRefresh = timing->add_option("--max-refresh", options.maxRefreshClock,
@@ -196,7 +269,10 @@ void addTimingCommand(CLI::App& app, Context& context) {
     maxRefresh->excludes(maxWidth)->excludes(maxHeight);
     maxWidth->excludes(maxHeight);
     timing->callback([shared, maxRefresh, maxWidth, maxHeight, &context] {
-        run(context.out, *shared, maxRefresh, maxWidth, maxHeight);
+        shared->maxRefresh = maxRefresh->count() > 0;
+        shared->maxWidth = maxWidth->count() > 0;
+        shared->maxHeight = maxHeight->count() > 0;
+        run(context.out, *shared);
     });
 }
 

@@ -7,8 +7,9 @@
 #include <stdlib.h>
 
 #include <algorithm>
-#include <new>
+#include <utility>
 
+#include "CommandLineErrors.h"
 #include "Commands.h"
 #include "GlobalOptionChecks.h"
 #include "NotificationOutput.h"
@@ -30,11 +31,25 @@ std::string effectivePath(const std::string& option, const char* variable) {
     return value != nullptr ? value : "";
 }
 
+// Whether the option was on the command line (an empty value included).
+bool given(const CLI::App& app, const char* option) {
+    return app.get_option(option)->count() > 0;
+}
+
 // Every path is checked before anything is loaded, called or created.
-void applyGlobalOptions(Context& context, RunLog& log) {
+void applyGlobalOptions(const CLI::App& app, Context& context, const RootChoice& root, RunLog& log) {
     const GlobalOptions& options = context.options;
     log.setVerbose(options.verbose);
-    if (context.rootOptionGiven) checkRootPath(options.root);
+    if (context.rootOptionGiven) {
+        checkRootPath(options.root, "--root");
+    } else if (root.named) {
+        checkRootPath(root.path, "$VESK_ROOT");
+    }
+    for (const auto& [option, value] :
+         {std::pair{"--log", &options.log}, std::pair{"--board-journal", &options.boardJournal},
+          std::pair{"--board-script", &options.boardScript}}) {
+        if (given(app, option)) checkNotEmpty(*value, option);
+    }
     std::string journal = effectivePath(options.boardJournal, "VESK_BOARD_JOURNAL");
     if (!journal.empty()) checkJournalPath(journal);
     std::string script = effectivePath(options.boardScript, "VESK_BOARD_SCRIPT");
@@ -59,26 +74,17 @@ void addGlobalOptions(CLI::App& app, Context& context) {
 
 int parseAndRun(CLI::App& app, std::vector<std::string> args, Context& context) {
     std::reverse(args.begin(), args.end());  // CLI11 takes the words last first
-    try {
-        app.parse(args);
-    } catch (const CLI::CallForHelp& e) {
-        return app.exit(e, context.out, context.err);
-    } catch (const CLI::ParseError& e) {
-        context.err << "veskdm: " << e.what() << "\n";
-        return 2;
-    } catch (const UsageError& e) {
-        context.err << "veskdm: " << e.what() << "\n";
-        return 2;
-    } catch (const CommandError& e) {
-        context.err << "veskdm: " << e.what() << "\n";
-        return 1;
-    } catch (const ExitStatus& e) {
-        return e.status();
-    } catch (const std::bad_alloc&) {
-        context.err << "veskdm: out of memory: a size in the command cannot be allocated\n";
-        return 1;
-    }
-    return 0;
+    return statusOf(
+            [&] {
+                try {
+                    app.parse(args);
+                } catch (const CLI::CallForHelp& e) {
+                    throw ExitStatus(app.exit(e, context.out, context.err));
+                } catch (const CLI::ParseError& e) {
+                    throw UsageError(describeParseError(app, e));
+                }
+            },
+            context.err);
 }
 
 }  // namespace
@@ -92,9 +98,9 @@ int runVeskdm(const std::vector<std::string>& args, const Streams& streams, cons
     CLI::App app{"veskdm: the device manager of the board, on the host", "veskdm"};
     app.require_subcommand(1);
     addGlobalOptions(app, context);
-    app.parse_complete_callback([&app, &context, &log] {
-        context.rootOptionGiven = app.get_option("--root")->count() > 0;
-        applyGlobalOptions(context, log);
+    app.parse_complete_callback([&app, &context, &root, &log] {
+        context.rootOptionGiven = given(app, "--root");
+        applyGlobalOptions(app, context, root, log);
     });
     for (AddCommand add : commandList()) add(app, context);
     int status = parseAndRun(app, args, context);

@@ -3,6 +3,7 @@
  */
 #include "vesk/host/DeviceRoot.h"
 
+#include <android/log.h>
 #include <fcntl.h>
 #include <stdlib.h>
 #include <sys/file.h>
@@ -28,6 +29,7 @@ namespace {
 std::mutex gRootMutex;
 std::string gRoot;                     // guarded by gRootMutex; empty until first resolved
 std::set<std::string> gPrepared;       // roots whose layout this process has checked
+bool gLeftAsItIs = false;              // guarded by gRootMutex; the root's layout is never made
 std::atomic<uint64_t> gGeneration{1};  // bumped by each setDeviceRoot()
 
 std::string resolveDefaultRoot() {
@@ -61,8 +63,10 @@ bool isOlderStandIn(const std::string& root, const std::string& path, const std:
     return content != current && content.rfind("#!/bin/sh\n# Host stand-in for ", 0) == 0;
 }
 
+// An error line of the log: a command that fails for it says so in its own words.
 void reportLayoutError(const std::string& root, const char* path) {
-    fprintf(stderr, "veskplatform: cannot prepare %s%s: %s\n", root.c_str(), path, strerror(errno));
+    __android_log_print(ANDROID_LOG_ERROR, "veskplatform", "cannot prepare %s%s: %s\n",
+                        root.c_str(), path, strerror(errno));
 }
 
 void prepareLayout(const std::string& root) {
@@ -113,7 +117,7 @@ void resolveRoot() {
 std::string deviceRoot() {
     std::lock_guard<std::mutex> lock(gRootMutex);
     resolveRoot();
-    if (gPrepared.insert(gRoot).second) prepareLayout(gRoot);
+    if (!gLeftAsItIs && gPrepared.insert(gRoot).second) prepareLayout(gRoot);
     return gRoot;
 }
 
@@ -129,10 +133,24 @@ void setDeviceRoot(const std::string& root, bool prepare) {
     {
         std::lock_guard<std::mutex> lock(gRootMutex);
         gRoot = root;
+        gLeftAsItIs = false;
         setenv("VESK_ROOT", root.c_str(), 1);
         gGeneration.fetch_add(1, std::memory_order_release);
     }
     if (prepare) deviceRoot();
+}
+
+void useDeviceRootAsItIs(const std::string& root) {
+    std::lock_guard<std::mutex> lock(gRootMutex);
+    gRoot = root;
+    setenv("VESK_ROOT", root.c_str(), 1);
+    gLeftAsItIs = true;
+    gGeneration.fetch_add(1, std::memory_order_release);
+}
+
+bool deviceRootLeftAsItIs() {
+    std::lock_guard<std::mutex> lock(gRootMutex);
+    return gLeftAsItIs;
 }
 
 bool recordStandInInvocation(const std::string& root, const std::string& tool,

@@ -13,6 +13,7 @@
  * (threads) and flock (processes). A file that is not a store of this layout is started afresh,
  * and every slot is checked before it is trusted, so that a damaged file never crashes a reader.
  */
+#include <android/log.h>
 #include <cutils/properties.h>
 #include <errno.h>
 #include <fcntl.h>
@@ -94,11 +95,16 @@ uint32_t hashName(const char* name, size_t length) {
 // Once per root: a reader retries the store at each read and must not repeat itself.
 std::atomic<uint64_t> gReportedGeneration{0};
 
+// What is wrong with the store, as one line; kept for setProperty's caller.
+thread_local std::string gStoreProblem;
+
+// An error line of the log (once per root), and the problem for setProperty.
 void reportStore(const std::string& root, const char* what) {
+    gStoreProblem = "property store " + root + vesk::host::kPropertyStore + " " + what + ": " +
+                    strerror(errno);
     uint64_t generation = vesk::host::rootGeneration();
     if (gReportedGeneration.exchange(generation) == generation) return;
-    fprintf(stderr, "veskplatform: property store %s%s %s: %s\n", root.c_str(),
-            vesk::host::kPropertyStore, what, strerror(errno));
+    __android_log_print(ANDROID_LOG_ERROR, "veskplatform", "%s\n", gStoreProblem.c_str());
 }
 
 bool validHeader(const Area* area) {
@@ -172,6 +178,8 @@ Store* openStore(uint64_t generation, const std::string& root, bool create) {
         reportStore(root, "is not a regular file");
         return store;
     }
+    // An empty file holds no property yet: a reader leaves it as it is and reads the defaults.
+    if (!create && st.st_size == 0) return store;
     flock(store->fd, LOCK_EX);
     if (static_cast<size_t>(st.st_size) < sizeof(Area)) {
         // A short file (new, or cut off) is completed with free slots.
@@ -305,7 +313,13 @@ void updateValue(Slot* slot, const char* value, size_t length) {
 
 }  // namespace
 
+// As bionic's, a read leaves errno as it was: callers format an earlier failure's errno after
+// reading their log level.
 extern "C" int property_get(const char* key, char* value, const char* default_value) {
+    struct KeepErrno {
+        int saved = errno;
+        ~KeepErrno() { errno = saved; }
+    } keepErrno;
     Store* store = currentStore(false);
     if (key != nullptr && store != nullptr) {
         size_t length = std::strlen(key);
@@ -329,30 +343,39 @@ extern "C" int property_get(const char* key, char* value, const char* default_va
 }
 
 extern "C" int property_set(const char* key, const char* value) {
-    if (key == nullptr || key[0] == '\0') return -1;
-    if (value == nullptr) value = "";
-    size_t length = std::strlen(key);
-    size_t valueLength = std::strlen(value);
-    if (length >= kNameMax || valueLength >= PROPERTY_VALUE_MAX) return -1;
-    Store* store = currentStore(true);
-    if (store == nullptr) return -1;
-    std::lock_guard<std::mutex> lock(gWriteMutex);
-    flock(store->fd, LOCK_EX);
-    int result = -1;
-    Slot* slot = findSlot(store->area, key, length);
-    if (slot != nullptr) {
-        if (loadAcquire(&slot->serial) == 0) {
-            publishSlot(slot, key, length, value, valueLength);
-        } else {
-            updateValue(slot, value, valueLength);
-        }
-        result = 0;
-    }
-    flock(store->fd, LOCK_UN);
-    return result;
+    if (key == nullptr) return -1;
+    return vesk::host::setProperty(key, value != nullptr ? value : "").empty() ? 0 : -1;
 }
 
 namespace vesk::host {
+
+std::string setProperty(const std::string& name, const std::string& value) {
+    if (name.empty() || name.find('\0') != std::string::npos) return "no property name";
+    if (name.size() >= kNameMax) {
+        return "property names have at most " + std::to_string(kNameMax - 1) + " bytes";
+    }
+    if (value.size() >= PROPERTY_VALUE_MAX || value.find('\0') != std::string::npos) {
+        return "property values have at most " + std::to_string(PROPERTY_VALUE_MAX - 1) + " bytes";
+    }
+    gStoreProblem.clear();
+    Store* store = currentStore(true);
+    if (store == nullptr) {
+        return gStoreProblem.empty() ? "property store of no device root" : gStoreProblem;
+    }
+    std::lock_guard<std::mutex> lock(gWriteMutex);
+    flock(store->fd, LOCK_EX);
+    Slot* slot = findSlot(store->area, name.c_str(), name.size());
+    if (slot != nullptr) {
+        if (loadAcquire(&slot->serial) == 0) {
+            publishSlot(slot, name.c_str(), name.size(), value.c_str(), value.size());
+        } else {
+            updateValue(slot, value.c_str(), value.size());
+        }
+    }
+    flock(store->fd, LOCK_UN);
+    if (slot == nullptr) return "property store full: " + std::to_string(kSlotCount) + " entries";
+    return "";
+}
 
 // Every published property in table order (for `veskdm prop list`).
 std::string listProperties() {

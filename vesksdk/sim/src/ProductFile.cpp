@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <mutex>
 #include <optional>
@@ -13,12 +14,13 @@
 namespace vesk::sim {
 namespace {
 
-bool allDigits(const std::string& value) {
-    if (value.empty()) return false;
+// The model number is read as an int by the device manager: 0 to 2147483647.
+bool isModelNumber(const std::string& value) {
+    if (value.empty() || value.size() > 10) return false;
     for (char c : value) {
         if (!isdigit(static_cast<unsigned char>(c))) return false;
     }
-    return true;
+    return std::stoll(value) <= INT32_MAX;
 }
 
 bool isMac(const std::string& value) {
@@ -32,13 +34,13 @@ bool isMac(const std::string& value) {
     return true;
 }
 
-// The last complete description made, its record, and the text of the file they came from. The
-// board library reads the file on every call that asks for the model (each output-mode change
-// does), and parsing it and filling the record cost more than the rest of such a call: the same
-// text gives the same description and record without either.
+// The last description made, its record, and the text of the file they came from. The board
+// library reads the file on every call that asks for the model (each output-mode change does),
+// and parsing it and filling the record cost more than the rest of such a call: the same text
+// gives the same description and record without either.
 struct ParsedProduct {
     std::mutex mutex;
-    std::string text;
+    std::optional<std::string> text;
     ProductDescription description;
     std::string record;
 };
@@ -54,48 +56,41 @@ bool useMadeBefore(const std::optional<std::string>& text, Use&& use) {
     if (!text) return false;
     ParsedProduct& parsed = lastParsed();
     std::lock_guard<std::mutex> lock(parsed.mutex);
-    if (parsed.text.empty() || parsed.text != *text) return false;
+    if (parsed.text != text) return false;
     use(static_cast<const ParsedProduct&>(parsed));
     return true;
 }
 
-// Called with the board's file lock held.
-ProductDescription loadLocked() {
-    const std::string path = productFilePath();
-    const std::optional<std::string> text = readBoardFileText(path);
-    ProductDescription description;
-    if (useMadeBefore(text, [&](const ParsedProduct& made) { description = made.description; }))
-        return description;
+// The file's text as it is, every key it lacks at its factory value. Reading writes nothing (the
+// file is replaced whole by its writers, so a reader needs no lock): a command that only shows
+// the board leaves the root as it found it.
+ProductDescription describe(const std::string& path, const std::optional<std::string>& text) {
     nlohmann::json file = parseBoardJson(path, text);
-    bool complete = true;
+    ProductDescription description;
     for (const ProductField& field : productFields()) {
         auto found = file.find(field.key);
-        if (found != file.end() && found->is_string()) {
-            description[field.key] = found->get<std::string>();
-        } else {
-            description[field.key] = field.factoryValue;
-            complete = false;
-        }
+        bool stored = found != file.end() && found->is_string();
+        description[field.key] = stored ? found->get<std::string>() : field.factoryValue;
     }
-    if (!complete) {
-        writeJsonFileAtomically(path, nlohmann::json(description));
-    } else if (text) {
+    if (text) {
         std::string record(sizeof(vesk_product_record), '\0');
         fillProductRecord(description, record.data());
         ParsedProduct& parsed = lastParsed();
         std::lock_guard<std::mutex> lock(parsed.mutex);
-        parsed.text = *text;
+        parsed.text = text;
         parsed.description = description;
         parsed.record = std::move(record);
     }
     return description;
 }
 
-// The file is only ever replaced whole, so a text read without the lock is one a writer
-// finished; a text seen before needs nothing written back. Any other (or a failure, reported
-// then) is read again under the lock.
-std::optional<std::string> textReadWithoutTheLock() {
-    return readBoardFileText(productFilePath(), false);
+ProductDescription readDescription() {
+    const std::string path = productFilePath();
+    const std::optional<std::string> text = readBoardFileText(path);
+    ProductDescription description;
+    if (useMadeBefore(text, [&](const ParsedProduct& made) { description = made.description; }))
+        return description;
+    return describe(path, text);
 }
 
 }  // namespace
@@ -155,7 +150,9 @@ std::string checkProductValue(const ProductField& field, const std::string& valu
         case ProductValue::Text:
             return "";
         case ProductValue::Decimal:
-            return allDigits(value) ? "" : std::string(field.key) + " takes decimal digits";
+            return isModelNumber(value) ? ""
+                                        : std::string(field.key) +
+                                                  " takes a decimal number from 0 to 2147483647";
         case ProductValue::Switch:
             return value == "0" || value == "1" ? "" : std::string(field.key) + " takes 0 or 1";
         case ProductValue::Mac:
@@ -169,29 +166,32 @@ std::string checkProductValue(const ProductField& field, const std::string& valu
 }
 
 ProductDescription loadProductDescription() {
-    ProductDescription description;
-    if (useMadeBefore(textReadWithoutTheLock(),
-                      [&](const ParsedProduct& made) { description = made.description; }))
-        return description;
-    BoardFileLock lock;
-    return loadLocked();
+    return readDescription();
 }
 
 void loadProductRecord(char* record) {
-    if (useMadeBefore(textReadWithoutTheLock(), [&](const ParsedProduct& made) {
+    const std::string path = productFilePath();
+    const std::optional<std::string> text = readBoardFileText(path);
+    if (useMadeBefore(text, [&](const ParsedProduct& made) {
             std::copy(made.record.begin(), made.record.end(), record);
         }))
         return;
-    fillProductRecord(loadProductDescription(), record);
+    fillProductRecord(describe(path, text), record);
 }
 
 std::string setProductValue(const std::string& key, const std::string& value) {
     const ProductField* field = findProductField(key);
-    if (!field) return "unknown product key " + key;
+    if (!field) {
+        std::string keys;
+        for (const ProductField& known : productFields()) {
+            keys += (keys.empty() ? "" : ", ") + std::string(known.key);
+        }
+        return "unknown product key " + key + " (keys: " + keys + ")";
+    }
     std::string problem = checkProductValue(*field, value);
     if (!problem.empty()) return problem;
     BoardFileLock lock;
-    ProductDescription description = loadLocked();
+    ProductDescription description = readDescription();
     description[key] = value;
     if (!writeJsonFileAtomically(productFilePath(), nlohmann::json(description))) {
         return "cannot write " + productFilePath();

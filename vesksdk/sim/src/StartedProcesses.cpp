@@ -54,6 +54,7 @@ pid_t spawnDetached(const std::vector<std::string>& argv) {
     if (count != 0) {
         while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
         }
+        errno = error;  // why the program could not be run
         return -1;
     }
     return pid;

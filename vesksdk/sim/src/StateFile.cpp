@@ -59,7 +59,12 @@ std::string productFilePath() {
 
 BoardFileLock::BoardFileLock() {
     std::string path = boardDir() + "/state.lock";
-    mFd = openBoardFile(std::string(host::kBoardStateDir) + "/state.lock", O_RDWR | O_CREAT);
+    // A root left as it is (a command that only reads) gets no lock file: no writer has come
+    // where there is none, and its readers change nothing.
+    bool leftAsItIs = host::deviceRootLeftAsItIs();
+    mFd = openBoardFile(std::string(host::kBoardStateDir) + "/state.lock",
+                        leftAsItIs ? O_RDWR : O_RDWR | O_CREAT);
+    if (mFd < 0 && leftAsItIs && errno == ENOENT) return;
     if (mFd < 0) {
         fprintf(stderr, "vesksdk: cannot open %s: %s\n", path.c_str(), strerror(errno));
         return;

@@ -21,6 +21,13 @@ std::string existingDeviceRoot();
 // the layout is made by the first deviceRoot().
 void setDeviceRoot(const std::string& root, bool prepare = true);
 
+// Makes `root` the device root of this process (and of the processes it starts) as it is: its
+// layout is never made, neither now nor by a later deviceRoot(), so that a command which only
+// reads leaves the root as it found it.
+void useDeviceRootAsItIs(const std::string& root);
+// Whether the device root is the one useDeviceRootAsItIs() chose: its users make nothing in it.
+bool deviceRootLeftAsItIs();
+
 // Maps an absolute device path below the root. Relative paths and ".." components never
 // leave the root: they are resolved lexically first. The name is for messages and for readers;
 // files below the root are opened through RootFiles.h, which follows no link.

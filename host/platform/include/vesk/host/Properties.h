@@ -7,6 +7,11 @@
 
 namespace vesk::host {
 
+// property_set, saying why it failed: empty when the value was stored, else one line such as
+// "property store full: 2048 entries" or "property store ROOT/data/property/store cannot be
+// opened: Not a directory".
+std::string setProperty(const std::string& name, const std::string& value);
+
 // "NAME=VALUE\n" for every property set in the store of the device root.
 std::string listProperties();
 

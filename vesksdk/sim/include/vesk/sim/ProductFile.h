@@ -1,6 +1,6 @@
 /*
  * The product description of the simulated board (ROOT/data/vesksdk/product.json): one text
- * per slot of the 2048-byte product record, made with the factory values on first use. Read by
+ * per slot of the 2048-byte product record, at its factory value until it is set. Read by
  * the board library and by `veskdm board`, so that both agree on keys, slots and checks.
  */
 #pragma once
@@ -37,8 +37,8 @@ std::string checkProductValue(const ProductField& field, const std::string& valu
 
 using ProductDescription = std::map<std::string, std::string>;
 
-// The product description in the root, written with the factory values first if it is missing. Keys
-// missing from the file read as their factory value.
+// The product description in the root; keys missing from the file (or a missing file) read as
+// their factory value. Nothing is written.
 ProductDescription loadProductDescription();
 // Sets one key after checking it (under the board's file lock). Returns the reason for a
 // refusal, nothing written; empty on success.

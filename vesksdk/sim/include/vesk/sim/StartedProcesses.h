@@ -11,7 +11,8 @@
 namespace vesk::sim {
 
 // Starts `argv` (argv[0] found through $PATH) with /dev/null as its standard files, and records
-// it. The pid, or -1. The child is the caller's: it reaps it, or it passes to init when the
+// it. The pid, or -1 with errno saying why (execvp's error when the program could not be run).
+// The child is the caller's: it reaps it, or it passes to init when the
 // caller ends first.
 int startBoardProcess(const std::vector<std::string>& argv);
 
