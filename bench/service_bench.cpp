@@ -1,5 +1,5 @@
 // A forwarded call with tracing off against its parts (the board call and one property read),
-// and the property read alone.
+// the service's own cost (a call without a board call), and the property read alone.
 #include <benchmark/benchmark.h>
 #include <cutils/properties.h>
 #include <stdlib.h>
@@ -33,6 +33,43 @@ void BM_ForwardedSetSysLedState(benchmark::State& state) {
     }
 }
 BENCHMARK(BM_ForwardedSetSysLedState);
+
+// A board call that only reads: the board's state file is not written.
+void BM_ForwardedGetSysLedState(benchmark::State& state) {
+    useTemporaryRoot();
+    ::android::sp<vesk::hardware::veskdevicemanager::V1_0::IVeskDeviceManager> service =
+            HIDL_FETCH_IVeskDeviceManager("default");
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(int32_t(service->getSysLedState()));
+    }
+}
+BENCHMARK(BM_ForwardedGetSysLedState);
+
+// A fan stub calls no board function: the service's own cost, its trace's property read
+// included, against BM_PropertyGetOfASetProperty.
+void BM_StubGetFanSpeedLevel(benchmark::State& state) {
+    useTemporaryRoot();
+    ::android::sp<vesk::hardware::veskdevicemanager::V1_0::IVeskDeviceManager> service =
+            HIDL_FETCH_IVeskDeviceManager("default");
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(int32_t(service->getFanSpeedLevel()));
+    }
+}
+BENCHMARK(BM_StubGetFanSpeedLevel);
+
+// A result through the callback without a board call: the version text.
+void BM_CallbackGetVndkVersion(benchmark::State& state) {
+    useTemporaryRoot();
+    ::android::sp<vesk::hardware::veskdevicemanager::V1_0::IVeskDeviceManager> service =
+            HIDL_FETCH_IVeskDeviceManager("default");
+    size_t size = 0;
+    for (auto _ : state) {
+        service->getVndkVersion(
+                [&](const ::android::hardware::hidl_string& version) { size += version.size(); });
+    }
+    benchmark::DoNotOptimize(size);
+}
+BENCHMARK(BM_CallbackGetVndkVersion);
 
 void BM_BoardCallPlusPropertyGet(benchmark::State& state) {
     useTemporaryRoot();
