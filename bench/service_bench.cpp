@@ -1,5 +1,6 @@
 // A forwarded call with tracing off against its parts (the board call and one property read),
-// the service's own cost (a call without a board call), and the property read alone.
+// the service's own cost (a call without a board call, through the facade and on the core), and
+// the property read alone.
 #include <benchmark/benchmark.h>
 #include <cutils/properties.h>
 #include <stdlib.h>
@@ -7,6 +8,7 @@
 
 #include <string>
 
+#include "DeviceManagerCore.h"
 #include "VeskDeviceManager.h"
 #include "vesk/host/DeviceRoot.h"
 
@@ -56,6 +58,16 @@ void BM_StubGetFanSpeedLevel(benchmark::State& state) {
     }
 }
 BENCHMARK(BM_StubGetFanSpeedLevel);
+
+// The same stub on the core itself: what the HIDL facade adds is the difference.
+void BM_CoreStubGetFanSpeedLevel(benchmark::State& state) {
+    useTemporaryRoot();
+    vesk::hardware::veskdevicemanager::core::DeviceManagerCore core;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(core.getFanSpeedLevel());
+    }
+}
+BENCHMARK(BM_CoreStubGetFanSpeedLevel);
 
 // A result through the callback without a board call: the version text.
 void BM_CallbackGetVndkVersion(benchmark::State& state) {

@@ -1,6 +1,8 @@
 /*
- * IBase::debug: what `lshal debug vesk.hardware.veskdevicemanager@1.0::IVeskDeviceManager/default`
- * prints. Plain text, one "[section]" header per section and one "key: value" line per fact:
+ * The service's state, as
+ * `lshal debug vesk.hardware.veskdevicemanager@1.0::IVeskDeviceManager/default` prints it (the
+ * HIDL facade's IBase::debug hands its descriptor here). Plain text, one "[section]" header per
+ * section and one "key: value" line per fact:
  *
  *   [product]  the board's product record, field by field (read afresh, not from the cache)
  *   [mode]     hdmimode and custom_mode as stored in the boot loader's environment, the custom
@@ -29,15 +31,18 @@
 
 #include "BoardText.h"
 #include "CustomMode.h"
+#include "DeviceManagerCore.h"
 #include "Ubootenv.h"
-#include "VeskDeviceManager.h"
 #include "VeskLog.h"
 #include "VeskPlatform.h"
 
-namespace vesk::hardware::veskdevicemanager::implementation {
-namespace {
+namespace vesk::hardware::veskdevicemanager::core {
 
-using ::android::hardware::hidl_handle;
+using implementation::CustomModeField;
+using implementation::kCustomModeFields;
+using implementation::recordText;
+
+namespace {
 
 constexpr const char* kSections[] = {"product", "mode", "env", "log"};
 
@@ -198,24 +203,20 @@ bool isSection(const std::string& word) {
 
 }  // namespace
 
-Return<void> VeskDeviceManager::debug(const hidl_handle& handle,
-                                      const hidl_vec<hidl_string>& options) {
-    const native_handle_t* native = handle.getNativeHandle();
-    if (native == nullptr || native->numFds < 1 || native->data[0] < 0) return Void();
-    Printer out(native->data[0]);
-    std::vector<std::string> wanted;
-    for (const hidl_string& option : options) {
+void DeviceManagerCore::debug(int fd, const std::vector<std::string>& options) {
+    if (fd < 0) return;
+    Printer out(fd);
+    for (const std::string& option : options) {
         if (!isSection(option)) {
             out.line(
                     "usage: lshal debug vesk.hardware.veskdevicemanager@1.0::"
                     "IVeskDeviceManager/default [product] [mode] [env] [log]");
-            return Void();
+            return;
         }
-        wanted.push_back(option);
     }
     auto asked = [&](const char* section) {
-        if (wanted.empty()) return true;
-        for (const std::string& word : wanted) {
+        if (options.empty()) return true;
+        for (const std::string& word : options) {
             if (word == section) return true;
         }
         return false;
@@ -227,7 +228,6 @@ Return<void> VeskDeviceManager::debug(const hidl_handle& handle,
         if (asked("env")) printEnv(out, env);
     }
     if (asked("log")) printLog(out);
-    return Void();
 }
 
-}  // namespace vesk::hardware::veskdevicemanager::implementation
+}  // namespace vesk::hardware::veskdevicemanager::core
