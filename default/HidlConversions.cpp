@@ -45,14 +45,9 @@ V1_0::WatchDogCfg toHidl(const core::WatchDogCfg& cfg) {
 }
 
 V1_0::ProcessInfo toHidl(const core::ProcessInfo& info) {
-    V1_0::ProcessInfo out;
-    out.name1 = info.name1;
-    out.name2 = info.name2;
-    out.name3 = info.name3;
+    V1_0::ProcessInfo out{info.name1,   info.name2,     info.name3,  {},
+                          info.value64, info.valueReal, info.value32};
     std::copy(info.block.begin(), info.block.end(), out.block.data());
-    out.value64 = info.value64;
-    out.valueReal = info.valueReal;
-    out.value32 = info.value32;
     return out;
 }
 

@@ -17,14 +17,6 @@ void deliverRead(core::ReadResult result, const Callback& callback) {
     callback(lend(result.data), static_cast<uint32_t>(result.bytesRead));
 }
 
-// Ends the process for a negative count as HIDL's vector does when it is sized to it: the fatal
-// line of its size check. Returns for any other count.
-void sizeCheck(int32_t count) {
-    if (count >= 0) return;
-    hidl_vec<uint8_t> vector;
-    vector.resize(vectorSizeOf(count));
-}
-
 }  // namespace
 
 Return<void> VeskDeviceManager::getProductInfo(getProductInfo_cb _hidl_cb) {
@@ -122,7 +114,7 @@ Return<void> VeskDeviceManager::getResolutionParameters(getResolutionParameters_
 // A negative count of the board's ends the process, after the core's line that reports it.
 Return<void> VeskDeviceManager::getResolutionParametersList(getResolutionParametersList_cb _hidl_cb) {
     core::ResolutionListResult result = mCore.getResolutionParametersList();
-    sizeCheck(result.count);
+    endIfNegative(result.count);
     _hidl_cb(toHidl(result.list));
     return Void();
 }
@@ -136,7 +128,7 @@ Return<void> VeskDeviceManager::wReadSpiFpga(const hidl_vec<uint8_t>& data,
 
 // A negative size ends the process here, before the core is called.
 Return<void> VeskDeviceManager::readSpiFpga(int32_t size, readSpiFpga_cb _hidl_cb) {
-    sizeCheck(size);
+    endIfNegative(size);
     core::TransferResult result = mCore.readSpiFpga(size);
     _hidl_cb(result.ret, lend(result.data));
     return Void();

@@ -2,7 +2,8 @@
  * A client's vector handed to a board function that reads a fixed number of elements from it.
  * A vector that holds fewer is copied into a zeroed buffer of that many elements, so that the
  * board never reads past the client's data into the service's memory. An empty vector still
- * passes its own pointer (which may be null), and a vector long enough passes its own data unchanged.
+ * passes its own pointer (which may be null), and a vector long enough passes its own data
+ * unchanged.
  */
 #pragma once
 

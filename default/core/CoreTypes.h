@@ -128,8 +128,8 @@ class InputView {
   public:
     InputView() = default;
     InputView(const T* data, size_t size) : mData(data), mSize(size) {}
-    InputView(const std::vector<T>& items)  // NOLINT(google-explicit-constructor)
-        : mData(items.data()), mSize(items.size()) {}
+    // Implicit: a std::vector is passed as it is.
+    InputView(const std::vector<T>& items) : mData(items.data()), mSize(items.size()) {}
 
     const T* data() const { return mData; }
     size_t size() const { return mSize; }

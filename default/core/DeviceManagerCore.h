@@ -1,11 +1,10 @@
 /*
  * The device manager's core: one method per slot of IVeskDeviceManager, in slot order, with
- * plain C++ types. A front end (the HIDL facade VeskDeviceManager; a stable-AIDL service) makes
- * one core per service object, converts arguments, calls it and converts the result; the logic,
- * every log line and every board call is here. Nothing of HIDL or AIDL is included below this
- * line: what belongs to an interface's own types (a HIDL vector's size check) is the front
- * end's. Almost every method traces the call and forwards it to one board function of
- * libvesksdk.
+ * plain C++ types. A front end (the HIDL facade VeskDeviceManager is one) makes one core per
+ * service object, converts arguments, calls it and converts the result; the logic, every log
+ * line and every board call is here. Nothing of HIDL or AIDL is included in the core: what
+ * belongs to an interface's own types (a HIDL vector's size check) is its front end's. Almost
+ * every method traces the call and forwards it to one board function of libvesksdk.
  *
  * Results: a single value is the return value; several values are one struct of CoreTypes.h.
  * Strings come in as std::string, a client's vector as an InputView of its elements.

@@ -30,8 +30,8 @@ struct Field {
     size_t room;  // 216 less the field's offset (0, 8, 136, 200, 208)
 };
 const Field kFields[] = {
-        {"level", &VeskLogInfo::level, 216},        {"base", &VeskLogInfo::base, 208},
-        {"mode", &VeskLogInfo::mode, 80},           {"total_size", &VeskLogInfo::total_size, 16},
+        {"level", &VeskLogInfo::level, 216},       {"base", &VeskLogInfo::base, 208},
+        {"mode", &VeskLogInfo::mode, 80},          {"total_size", &VeskLogInfo::total_size, 16},
         {"once_size", &VeskLogInfo::once_size, 8},
 };
 
