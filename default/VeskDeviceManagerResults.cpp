@@ -3,12 +3,21 @@
  * after every line the core writes and before the method returns. A vector of the core's is lent
  * to the callback, not copied.
  */
+#include <cstdint>
+#include <vector>
+
 #include "BoardCount.h"
 #include "HidlConversions.h"
 #include "VeskDeviceManager.h"
 
 namespace vesk::hardware::veskdevicemanager::implementation {
 namespace {
+
+// A vector of the core's to the callback, lent for the callback's run.
+template <typename T, typename Callback>
+void lendTo(const Callback& callback, std::vector<T> items) {
+    callback(lend(items));
+}
 
 // A serial read: the board's signed count reaches the client as the interface's uint32_t, so a
 // negative count arrives as a large one beside an empty vector.
@@ -54,29 +63,25 @@ Return<void> VeskDeviceManager::getWatchDogCfg(getWatchDogCfg_cb _hidl_cb) {
 
 Return<void> VeskDeviceManager::readBlockDataDefined(uint32_t length, uint32_t offset,
                                                      readBlockDataDefined_cb _hidl_cb) {
-    std::vector<uint8_t> data = mCore.readBlockDataDefined(length, offset);
-    _hidl_cb(lend(data));
+    lendTo(_hidl_cb, mCore.readBlockDataDefined(length, offset));
     return Void();
 }
 
 Return<void> VeskDeviceManager::readBlockDataScreen(uint32_t length, uint32_t offset,
                                                     readBlockDataScreen_cb _hidl_cb) {
-    std::vector<uint8_t> data = mCore.readBlockDataScreen(length, offset);
-    _hidl_cb(lend(data));
+    lendTo(_hidl_cb, mCore.readBlockDataScreen(length, offset));
     return Void();
 }
 
 Return<void> VeskDeviceManager::getFPGAProgramBlockData(uint32_t length, uint32_t offset,
                                                         getFPGAProgramBlockData_cb _hidl_cb) {
-    std::vector<uint8_t> data = mCore.getFPGAProgramBlockData(length, offset);
-    _hidl_cb(lend(data));
+    lendTo(_hidl_cb, mCore.getFPGAProgramBlockData(length, offset));
     return Void();
 }
 
 Return<void> VeskDeviceManager::readBlockData(const hidl_string& path, uint32_t offset,
                                               uint32_t length, readBlockData_cb _hidl_cb) {
-    std::vector<uint8_t> data = mCore.readBlockData(path, offset, length);
-    _hidl_cb(lend(data));
+    lendTo(_hidl_cb, mCore.readBlockData(path, offset, length));
     return Void();
 }
 
@@ -141,28 +146,24 @@ Return<void> VeskDeviceManager::getVeskLogConfigure(getVeskLogConfigure_cb _hidl
 }
 
 Return<void> VeskDeviceManager::getRtcBootTime(getRtcBootTime_cb _hidl_cb) {
-    std::vector<uint32_t> time = mCore.getRtcBootTime();
-    _hidl_cb(lend(time));
+    lendTo(_hidl_cb, mCore.getRtcBootTime());
     return Void();
 }
 
 Return<void> VeskDeviceManager::getRtcWakeTime(getRtcWakeTime_cb _hidl_cb) {
-    std::vector<uint32_t> time = mCore.getRtcWakeTime();
-    _hidl_cb(lend(time));
+    lendTo(_hidl_cb, mCore.getRtcWakeTime());
     return Void();
 }
 
 Return<void> VeskDeviceManager::getEdidFromDefined(uint8_t index, uint16_t width, uint16_t height,
                                                    float refresh, getEdidFromDefined_cb _hidl_cb) {
-    std::vector<uint8_t> edid = mCore.getEdidFromDefined(index, width, height, refresh);
-    _hidl_cb(lend(edid));
+    lendTo(_hidl_cb, mCore.getEdidFromDefined(index, width, height, refresh));
     return Void();
 }
 
 Return<void> VeskDeviceManager::getEdidByModel(uint16_t width, uint16_t height, float refresh,
                                                getEdidByModel_cb _hidl_cb) {
-    std::vector<uint8_t> edid = mCore.getEdidByModel(width, height, refresh);
-    _hidl_cb(lend(edid));
+    lendTo(_hidl_cb, mCore.getEdidByModel(width, height, refresh));
     return Void();
 }
 
