@@ -1,5 +1,6 @@
 // A forwarded call with tracing off against its parts (the board call and one property read),
-// and the property read alone, of a set and of an unset property.
+// the service's own cost (a call without a board call, through the facade and on the core), and
+// the property read alone, of a set and of an unset property.
 #include <benchmark/benchmark.h>
 #include <cutils/properties.h>
 #include <stdio.h>
@@ -8,6 +9,7 @@
 
 #include <string>
 
+#include "DeviceManagerCore.h"
 #include "SyncSamples.h"
 #include "VeskDeviceManager.h"
 #include "vesk/host/DeviceRoot.h"
@@ -55,6 +57,53 @@ void BM_ForwardedCallAndItsParts(benchmark::State& state) {
     parts.report(state);
 }
 BENCHMARK(BM_ForwardedCallAndItsParts)->Iterations(200)->Repetitions(1);
+
+// A board call that only reads: the board's state file is not written.
+void BM_ForwardedGetSysLedState(benchmark::State& state) {
+    useTemporaryRoot();
+    ::android::sp<vesk::hardware::veskdevicemanager::V1_0::IVeskDeviceManager> service =
+            HIDL_FETCH_IVeskDeviceManager("default");
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(int32_t(service->getSysLedState()));
+    }
+}
+BENCHMARK(BM_ForwardedGetSysLedState);
+
+// A fan stub calls no board function: the service's own cost, its trace's property read
+// included, against BM_PropertyGetOfASetProperty.
+void BM_StubGetFanSpeedLevel(benchmark::State& state) {
+    useTemporaryRoot();
+    ::android::sp<vesk::hardware::veskdevicemanager::V1_0::IVeskDeviceManager> service =
+            HIDL_FETCH_IVeskDeviceManager("default");
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(int32_t(service->getFanSpeedLevel()));
+    }
+}
+BENCHMARK(BM_StubGetFanSpeedLevel);
+
+// The same stub on the core itself: what the HIDL facade adds is the difference.
+void BM_CoreStubGetFanSpeedLevel(benchmark::State& state) {
+    useTemporaryRoot();
+    vesk::hardware::veskdevicemanager::core::DeviceManagerCore core;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(core.getFanSpeedLevel());
+    }
+}
+BENCHMARK(BM_CoreStubGetFanSpeedLevel);
+
+// A result through the callback without a board call: the version text.
+void BM_CallbackGetVndkVersion(benchmark::State& state) {
+    useTemporaryRoot();
+    ::android::sp<vesk::hardware::veskdevicemanager::V1_0::IVeskDeviceManager> service =
+            HIDL_FETCH_IVeskDeviceManager("default");
+    size_t size = 0;
+    for (auto _ : state) {
+        service->getVndkVersion(
+                [&](const ::android::hardware::hidl_string& version) { size += version.size(); });
+    }
+    benchmark::DoNotOptimize(size);
+}
+BENCHMARK(BM_CallbackGetVndkVersion);
 
 void BM_PropertyGetOfASetProperty(benchmark::State& state) {
     useTemporaryRoot();

@@ -23,4 +23,12 @@ inline size_t vectorSizeOf(int32_t count) {
     return static_cast<size_t>(static_cast<int64_t>(count));
 }
 
+// Ends the process for a negative count as a vector sized to it does, through its size check;
+// returns at once for any other count, which it leaves to the caller to allocate.
+inline void endIfNegative(int32_t count) {
+    if (count >= 0) return;
+    ::android::hardware::hidl_vec<uint8_t> sized;
+    sized.resize(vectorSizeOf(count));
+}
+
 }  // namespace vesk::hardware::veskdevicemanager::implementation

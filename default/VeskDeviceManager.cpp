@@ -1,34 +1,33 @@
 /*
- * Service entry: the passthrough factory, construction and the two generic entry points.
+ * The facade's entry: the passthrough factory, the forwarders of HidlForwarders.h and the two
+ * generic entry points.
  */
 #include "VeskDeviceManager.h"
 
-#include <vesksdk.h>
-
-#include "ServiceTrace.h"
-#include "TraceLines.h"
+#include "HidlConversions.h"
 
 namespace vesk::hardware::veskdevicemanager::implementation {
 
-VeskDeviceManager::VeskDeviceManager() {
-    trace("VeskDeviceManager", VESK_TRACE_LINE("VeskDeviceManager"));
-    bi_init_product_config();  // once per fetched instance; its result does not matter here
-}
+#define VESK_DEFINE_FORWARDER(Result, method, params, args) \
+    Return<Result> VeskDeviceManager::method params {       \
+        return mCore.method args;                           \
+    }
+VESK_HIDL_FORWARDERS(VESK_DEFINE_FORWARDER)
+#undef VESK_DEFINE_FORWARDER
 
-// Reserved: kept empty on purpose; the callback is never called.
-Return<void> VeskDeviceManager::hwInvoke(const hidl_string& /* command */,
-                                         hwInvoke_cb /* _hidl_cb */) {
-    trace("hwInvoke", VESK_TRACE_LINE("hwInvoke"));
+// Reserved: the core only traces it, and the callback is never called.
+Return<void> VeskDeviceManager::hwInvoke(const hidl_string& command, hwInvoke_cb /* _hidl_cb */) {
+    mCore.hwInvoke(command);
     return Void();
 }
 
-// Notifications are not sent to clients; the callback is neither kept nor called.
+// Notifications are not sent to clients: the callback is neither kept nor called, and it does
+// not reach the core.
 Return<int32_t> VeskDeviceManager::hwRegistCallback(const sp<IVeskDeviceCallback>& /* callback */) {
-    trace("hwRegistCallback", VESK_TRACE_LINE("hwRegistCallback"));
-    return 0;
+    return mCore.hwRegistCallback();
 }
 
-// The instance name is ignored: every fetch makes a new service object.
+// The instance name is ignored: every fetch makes a new service object, and with it its core.
 IVeskDeviceManager* HIDL_FETCH_IVeskDeviceManager(const char* /* name */) {
     return new VeskDeviceManager();
 }

@@ -37,6 +37,7 @@ PAIRS = {
                 "the device's side of the platform seams; the host links host/platform",
         },
     },
+    "vesk.hardware.veskdevicemanager-core": {"targets": ["vesk_service_core"]},
     "vesk.hardware.veskdevicemanager@1.0-displaymode": {"targets": ["vesk_displaymode"]},
     "vesk.hardware.veskdevicemanager@1.0-log": {"targets": ["vesk_log"]},
     # A header-only library: CMake's file API (3.25) does not list INTERFACE targets, so the pair

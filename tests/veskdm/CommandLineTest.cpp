@@ -329,6 +329,22 @@ TEST_F(CommandLineTest, AnAllocationThatFailsIsStatusOneAndOneLine) {
     EXPECT_EQ(outcome.out, "");
 }
 
+TEST_F(CommandLineTest, ABufferLongerThanAVectorHoldsIsStatusOneAndOneLine) {
+    // The stand-in refuses lengths a 32-bit ABI's std::vector cannot hold, as its length_error.
+    Outcome outcome = veskdm.run({"call", "readBlockDataDefined", "2147483648", "0"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errLines(),
+                ElementsAre("veskdm: out of memory: a size in the command cannot be allocated"));
+    EXPECT_EQ(outcome.out, "");
+    outcome = veskdm.run({"shell"}, "readBlockDataDefined 2147483648 0\nsetSysLedState 9\n");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errLines(),
+                ElementsAre("veskdm: line 1: readBlockDataDefined: out of memory: a size in the "
+                            "line cannot be allocated"));
+    EXPECT_THAT(outcome.outLines(),
+                ElementsAre(R"({"method":"setSysLedState","return":0,"callbacks":[]})"));
+}
+
 TEST_F(CommandLineTest, AResultTooLongToPrintIsStatusOneAndOneLine) {
     // 2^24 + 1 bytes: the service has them, their printing is past the tool's bound.
     Outcome outcome = veskdm.run({"call", "readSpiFpga", "16777217"});

@@ -11,6 +11,7 @@
 #include <vesk/hardware/veskdevicemanager/1.0/IVeskDeviceManager.h>
 
 #include <new>
+#include <stdexcept>
 #include <string>
 
 namespace {
@@ -98,6 +99,17 @@ class FakeDeviceManager : public RecordingDeviceManager {
         for (size_t i = 0; i < data.size(); ++i) data[i] = static_cast<uint8_t>(0xA0 + i);
         cb(size, data);
         cb(-1, hidl_vec<uint8_t>());
+        return Void();
+    }
+    // Past 2^31 - 1 bytes a std::vector of a 32-bit ABI cannot hold the buffer, and says so with
+    // std::length_error, as the service's own buffers do there.
+    Return<void> readBlockDataDefined(uint32_t length, uint32_t offset,
+                                      readBlockDataDefined_cb cb) override {
+        record("readBlockDataDefined " + std::to_string(length) + " " + std::to_string(offset));
+        if (length > 2147483647u) {
+            throw std::length_error("cannot create std::vector larger than max_size()");
+        }
+        cb(hidl_vec<uint8_t>(length));
         return Void();
     }
     Return<int32_t> writeSerialPort232(const hidl_vec<uint8_t>& data) override {

@@ -1,5 +1,7 @@
 #include "MethodTable.h"
 
+#include <new>
+#include <stdexcept>
 #include <unordered_map>
 
 namespace veskdm {
@@ -203,7 +205,12 @@ BoundCall bindCall(const std::vector<std::string>& words) {
 }
 
 Json runCall(const BoundCall& call, IVeskDeviceManager& service) {
-    CallOutcome outcome = call.call(service);
+    CallOutcome outcome;
+    try {
+        outcome = call.call(service);
+    } catch (const std::length_error&) {
+        throw std::bad_alloc();  // the size could not be allocated either
+    }
     Json line = Json::object();
     line["method"] = call.method->name;
     line["return"] = std::move(outcome.returned);

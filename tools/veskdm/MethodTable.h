@@ -28,7 +28,8 @@ struct BoundCall {
 BoundCall bindCall(const std::vector<std::string>& words);
 
 // Makes the call: {"method":NAME,"return":VALUE,"callbacks":[[ARG...]...]}. Throws
-// TransportError when the transport fails.
+// TransportError when the transport fails, std::bad_alloc when a size cannot be allocated
+// (a buffer longer than a vector holds included, 2 GiB on a 32-bit ABI).
 Json runCall(const BoundCall& call, IVeskDeviceManager& service);
 
 }  // namespace veskdm

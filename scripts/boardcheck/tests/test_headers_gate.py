@@ -31,7 +31,7 @@ std::string boardRoot() {
 
 @unittest.skipUnless(TREE, "needs an Android tree ($VESK_ANDROID_TREE)")
 class HeadersGateTest(unittest.TestCase):
-    SOURCE = "default/BoardText.cpp"
+    SOURCE = "default/core/BoardText.cpp"
 
     def setUp(self):
         self.copy = Copy(self, "default", "interface", "vesksdk/include", "vesksdk/Android.bp",
@@ -50,7 +50,7 @@ class HeadersGateTest(unittest.TestCase):
         self.assertEqual("headers", failure.exception.gate)
         self.assertEqual(self.SOURCE, failure.exception.file)
         self.assertRegex(failure.exception.violation,
-                         r"^default/BoardText\.cpp:\d+:\d+: fatal error: "
+                         r"^default/core/BoardText\.cpp:\d+:\d+: fatal error: "
                          r"'vesk/host/DeviceRoot\.h' file not found$")
 
     def test_an_unknown_source_is_refused(self):

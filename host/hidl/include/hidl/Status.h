@@ -38,7 +38,7 @@ namespace details {
 class return_status {
   public:
     return_status() = default;
-    explicit return_status(Status status) : mStatus(std::move(status)) {}
+    explicit return_status(Status status) : mStatus(status) {}
     bool isOk() const { return mStatus.isOk(); }
     bool isDeadObject() const { return false; }
     std::string description() const { return mStatus.description(); }
@@ -53,8 +53,8 @@ template <typename T>
 class Return : public details::return_status {
   public:
     Return(T value) : mValue(std::move(value)) {}  // NOLINT: implicit, as on the device
-    Return(Status status) : details::return_status(std::move(status)), mValue() {}  // NOLINT
-    operator T() const { return mValue; }                                           // NOLINT
+    Return(Status status) : details::return_status(status), mValue() {}  // NOLINT
+    operator T() const { return mValue; }                                // NOLINT
     T withDefault(T defaultValue) const { return isOk() ? mValue : defaultValue; }
 
   private:
@@ -65,7 +65,7 @@ template <>
 class Return<void> : public details::return_status {
   public:
     Return() = default;
-    Return(Status status) : details::return_status(std::move(status)) {}  // NOLINT
+    Return(Status status) : details::return_status(status) {}  // NOLINT
 };
 
 inline Return<void> Void() {

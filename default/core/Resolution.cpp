@@ -11,15 +11,22 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
-#include "BoardCount.h"
 #include "BoardText.h"
+#include "DeviceManagerCore.h"
 #include "DisplayModeControl.h"
 #include "ServiceTrace.h"
 #include "TraceLines.h"
-#include "VeskDeviceManager.h"
 
-namespace vesk::hardware::veskdevicemanager::implementation {
+namespace vesk::hardware::veskdevicemanager::core {
+
+using implementation::DisplayModeControl;
+using implementation::kTag;
+using implementation::recordText;
+using implementation::timing_t;
+using implementation::trace;
+
 namespace {
 
 // The models of DisplayModeControl's allow list (RZ30Max, RZ8K, RZ8KMAX...).
@@ -56,8 +63,8 @@ constexpr int kMaxListRecords = VESK_RESOLUTION_LIST_BYTES / sizeof(vesk_resolut
 
 }  // namespace
 
-Return<void> VeskDeviceManager::calculateResolutionParameters(
-        uint32_t width, uint32_t height, uint32_t fps, calculateResolutionParameters_cb _hidl_cb) {
+VeskEffeResolution DeviceManagerCore::calculateResolutionParameters(uint32_t width, uint32_t height,
+                                                                    uint32_t fps) {
     vesk::log::info(kTag, "%s %d\n", "calculateResolutionParameters",
                     VESK_TRACE_LINE("calculateResolutionParameters"));
     vesk_resolution_record result;
@@ -80,11 +87,10 @@ Return<void> VeskDeviceManager::calculateResolutionParameters(
         vesk::log::info(kTag, "using default resolution case\n");
         bi_resolution_calculate_parameters(width, height, fps, &result);
     }
-    _hidl_cb(toResolution(result));
-    return Void();
+    return toResolution(result);
 }
 
-Return<void> VeskDeviceManager::getResolutionParameters(getResolutionParameters_cb _hidl_cb) {
+VeskEffeResolution DeviceManagerCore::getResolutionParameters() {
     vesk_resolution_record result;
     memset(&result, 0, sizeof(result));
     int modelId = readModelId();
@@ -103,57 +109,50 @@ Return<void> VeskDeviceManager::getResolutionParameters(getResolutionParameters_
     } else {
         bi_resolution_get_parameters(&result);
     }
-    _hidl_cb(toResolution(result));
-    return Void();
+    return toResolution(result);
 }
 
-Return<void> VeskDeviceManager::getResolutionParametersList(getResolutionParametersList_cb _hidl_cb) {
+ResolutionListResult DeviceManagerCore::getResolutionParametersList() {
     vesk_resolution_record records[kMaxListRecords];
     memset(records, 0, sizeof(records));
     int count = bi_resolution_get_parameters_list(records);
     // Reported at error priority on every call, as the board's tools expect to find it.
     vesk::log::error(kTag, "%s: resolution list is %d\n", "getResolutionParametersList", count);
-    // The buffer holds no more than kMaxListRecords; a negative count is left to the vector's
-    // own size check, which ends the process.
+    // The buffer holds no more than kMaxListRecords. A negative count gives no entries: the
+    // front end decides what it means (the HIDL facade ends the process, as its vector's size
+    // check does).
+    ResolutionListResult result{count, {}};
     int size = count > kMaxListRecords ? kMaxListRecords : count;
-    hidl_vec<VeskEffeResolution> list;
-    list.resize(vectorSizeOf(size));
     for (int i = 0; i < size; ++i) {
-        list[i].width = records[i].width;
-        list[i].height = records[i].height;
-        list[i].fps = records[i].fps;
-        list[i].status = 1;  // list entries are always usable; the board's fourth word is unused
+        // List entries are always usable; the board's fourth word is unused.
+        result.list.push_back({records[i].width, records[i].height, records[i].fps, 1});
     }
-    _hidl_cb(list);
-    return Void();
+    return result;
 }
 
 // On failure the 256 bytes go back as the board left them (unlike getEdidByModel).
-Return<void> VeskDeviceManager::getEdidFromDefined(uint8_t index, uint16_t width, uint16_t height,
-                                                   float refresh, getEdidFromDefined_cb _hidl_cb) {
-    hidl_vec<uint8_t> edid(VESK_EDID_SIZE);
+std::vector<uint8_t> DeviceManagerCore::getEdidFromDefined(uint8_t index, uint16_t width,
+                                                           uint16_t height, float refresh) {
+    std::vector<uint8_t> edid(VESK_EDID_SIZE);
     trace("getEdidFromDefined", VESK_TRACE_LINE("getEdidFromDefined"));
     if (bi_resolution_get_edid_from_defined(index, width, height, edid.data(), refresh) < 0) {
         vesk::log::error(kTag, "%s bi_resolution_get_edid_from_defined failed\n",
                          "getEdidFromDefined");
     }
-    _hidl_cb(edid);
-    return Void();
+    return edid;
 }
 
-Return<void> VeskDeviceManager::getEdidByModel(uint16_t width, uint16_t height, float refresh,
-                                               getEdidByModel_cb _hidl_cb) {
-    hidl_vec<uint8_t> edid(VESK_EDID_SIZE);
+std::vector<uint8_t> DeviceManagerCore::getEdidByModel(uint16_t width, uint16_t height,
+                                                       float refresh) {
+    std::vector<uint8_t> edid(VESK_EDID_SIZE);
     if (bi_resolution_get_edid_by_model(width, height, edid.data(), refresh) < 0) {
         vesk::log::error(kTag, "%s get edid by model failed\n", "getEdidByModel");
-        edid.resize(0);
+        edid.clear();
     }
-    _hidl_cb(edid);
-    return Void();
+    return edid;
 }
 
-Return<void> VeskDeviceManager::getResolutionByEdid(const hidl_vec<uint8_t>& edid,
-                                                    getResolutionByEdid_cb _hidl_cb) {
+VeskEffeResolution DeviceManagerCore::getResolutionByEdid(InputView<uint8_t> edid) {
     vesk_resolution_record record;
     memset(&record, 0, sizeof(record));
     trace("getResolutionByEdid", VESK_TRACE_LINE("getResolutionByEdid"));
@@ -171,29 +170,27 @@ Return<void> VeskDeviceManager::getResolutionByEdid(const hidl_vec<uint8_t>& edi
                              record.width, record.height, record.fps);
         }
     }
-    VeskEffeResolution resolution{record.width, record.height, record.fps, record.status};
-    _hidl_cb(resolution);
-    return Void();
+    return toResolution(record);
 }
 
-Return<int32_t> VeskDeviceManager::setScreenModeState(int32_t state) {
+int32_t DeviceManagerCore::setScreenModeState(int32_t state) {
     trace("setScreenModeState", VESK_TRACE_LINE("setScreenModeState"));
     return bi_resolution_screen_mode_set_state(state);
 }
 
-Return<int32_t> VeskDeviceManager::getScreenModeState() {
+int32_t DeviceManagerCore::getScreenModeState() {
     trace("getScreenModeState", VESK_TRACE_LINE("getScreenModeState"));
     return bi_resolution_screen_mode_get_state();
 }
 
-Return<int32_t> VeskDeviceManager::getHdmiInStatus(int32_t port) {
+int32_t DeviceManagerCore::getHdmiInStatus(int32_t port) {
     trace("getHdmiInStatus", VESK_TRACE_LINE("getHdmiInStatus"));
     return bi_display_get_hdmi_in_state(port);
 }
 
-Return<int32_t> VeskDeviceManager::getHdmiOutStatus(int32_t port) {
+int32_t DeviceManagerCore::getHdmiOutStatus(int32_t port) {
     trace("getHdmiOutStatus", VESK_TRACE_LINE("getHdmiOutStatus"));
     return bi_display_get_hdmi_out_state(port);
 }
 
-}  // namespace vesk::hardware::veskdevicemanager::implementation
+}  // namespace vesk::hardware::veskdevicemanager::core

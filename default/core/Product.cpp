@@ -9,14 +9,20 @@
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
+#include <string>
 
 #include "BoardText.h"
+#include "DeviceManagerCore.h"
 #include "ProductRecordCache.h"
 #include "ServiceTrace.h"
 #include "TraceLines.h"
-#include "VeskDeviceManager.h"
 
-namespace vesk::hardware::veskdevicemanager::implementation {
+namespace vesk::hardware::veskdevicemanager::core {
+
+using implementation::kTag;
+using implementation::recordText;
+using implementation::trace;
+
 namespace {
 
 constexpr size_t kRecordSize = sizeof(vesk_product_record);
@@ -68,7 +74,7 @@ bool numericSwitch(const char* record, size_t offset) {
 }
 
 void fillProductInfo(const char* record, ProductInfo& info) {
-    hidl_string* fields[] = {&info.text01, &info.modelId, &info.text03, &info.text04, &info.text05,
+    std::string* fields[] = {&info.text01, &info.modelId, &info.text03, &info.text04, &info.text05,
                              &info.text06, &info.text07,  &info.text08, &info.text09, &info.text10,
                              &info.text11, &info.text12,  &info.text13, &info.text14, &info.text15,
                              &info.text16, &info.text17,  &info.text18, &info.text19, &info.text20,
@@ -88,17 +94,9 @@ void fillProductInfo(const char* record, ProductInfo& info) {
 
 }  // namespace
 
-void forgetProductRecord() {
-    ProductCache& cache = productCache();
-    std::lock_guard<std::mutex> lock(cache.mutex);
-    free(cache.record);
-    cache.record = nullptr;
-    cache.readFailed = false;
-}
-
-Return<void> VeskDeviceManager::getProductInfo(getProductInfo_cb _hidl_cb) {
+ProductInfo DeviceManagerCore::getProductInfo() {
     trace("getProductInfo", VESK_TRACE_LINE("getProductInfo"));
-    ProductInfo info{};
+    ProductInfo info;
     {
         ProductCache& cache = productCache();
         std::lock_guard<std::mutex> lock(cache.mutex);
@@ -124,11 +122,10 @@ Return<void> VeskDeviceManager::getProductInfo(getProductInfo_cb _hidl_cb) {
             }
         }
     }
-    _hidl_cb(info);
-    return Void();
+    return info;
 }
 
-Return<int32_t> VeskDeviceManager::setProductInfo(int32_t useDhcp) {
+int32_t DeviceManagerCore::setProductInfo(int32_t useDhcp) {
     char word[6];
     memset(word, 0, sizeof(word));
     if (useDhcp == 1) {
@@ -142,9 +139,21 @@ Return<int32_t> VeskDeviceManager::setProductInfo(int32_t useDhcp) {
     return bi_info_set_product_info(word);
 }
 
-Return<int32_t> VeskDeviceManager::getProtocolType() {
+int32_t DeviceManagerCore::getProtocolType() {
     trace("getProtocolType", VESK_TRACE_LINE("getProtocolType"));
     return bi_info_get_protocol_type();
+}
+
+}  // namespace vesk::hardware::veskdevicemanager::core
+
+namespace vesk::hardware::veskdevicemanager::implementation {
+
+void forgetProductRecord() {
+    core::ProductCache& cache = core::productCache();
+    std::lock_guard<std::mutex> lock(cache.mutex);
+    free(cache.record);
+    cache.record = nullptr;
+    cache.readFailed = false;
 }
 
 }  // namespace vesk::hardware::veskdevicemanager::implementation

@@ -1,10 +1,11 @@
 #include "SerialChannel.h"
 
+#include <utility>
+#include <vector>
+
 #include "ServiceTrace.h"
 
 namespace vesk::hardware::veskdevicemanager::implementation::serial {
-
-using ::android::hardware::hidl_vec;
 
 int32_t open(const SerialChannel& channel, const char* method, int32_t baudrate, uint8_t databits,
              uint8_t stopbits, int8_t parity) {
@@ -24,11 +25,11 @@ int32_t close(const SerialChannel& channel, const char* method) {
     return ret;
 }
 
-void blockingRead(const SerialChannel& channel, const char* method, uint32_t dataSize,
-                  uint32_t timeoutMs, const SerialReadCallback& callback) {
+core::ReadResult blockingRead(const SerialChannel& channel, const char* method, uint32_t dataSize,
+                              uint32_t timeoutMs) {
     vesk::log::debug(kTag, "%s line:%d data_size:%d timeout_ms:%d\n", method,
                      channel.line.blockingRead, dataSize, timeoutMs);
-    hidl_vec<uint8_t> data(dataSize);
+    std::vector<uint8_t> data(dataSize);
     int bytesRead = channel.blockingRead(data.data(), dataSize, timeoutMs);
     vesk::log::debug(kTag, "%s bytes_read = %u\n", method, bytesRead);
     if (bytesRead < 0) {
@@ -39,15 +40,15 @@ void blockingRead(const SerialChannel& channel, const char* method, uint32_t dat
         data.resize(bytesRead);
     }
     // A count above the capacity is passed on as the board reported it.
-    callback(data, static_cast<uint32_t>(bytesRead));
+    return {std::move(data), bytesRead};
 }
 
-void nonBlockingRead(const SerialChannel& channel, const char* method, uint32_t dataSize,
-                     const SerialReadCallback& callback) {
+core::ReadResult nonBlockingRead(const SerialChannel& channel, const char* method,
+                                 uint32_t dataSize) {
     // The line keeps its time-out field although this read has none; it reads 0.
     vesk::log::debug(kTag, "%s %d data_size:%d timeout_ms:%d\n", method,
                      channel.line.nonBlockingRead, dataSize, 0);
-    hidl_vec<uint8_t> data(dataSize);
+    std::vector<uint8_t> data(dataSize);
     int bytesRead = channel.nonBlockingRead(data.data(), dataSize);
     bool negative = bytesRead < 0;
     uint32_t count = static_cast<uint32_t>(bytesRead);
@@ -84,10 +85,10 @@ void nonBlockingRead(const SerialChannel& channel, const char* method, uint32_t 
             }
             break;
     }
-    callback(data, count);
+    return {std::move(data), bytesRead};
 }
 
-int32_t write(const SerialChannel& channel, const char* method, const hidl_vec<uint8_t>& data) {
+int32_t write(const SerialChannel& channel, const char* method, core::InputView<uint8_t> data) {
     vesk::log::debug(kTag, "%s %d data.size = %u\n", method, channel.line.write,
                      static_cast<unsigned>(data.size()));
     return channel.write(data.data(), data.size());

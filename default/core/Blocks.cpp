@@ -2,101 +2,102 @@
  * Data blocks (defined, screen, FPGA program, named, their check) and the FPGA's load, firmware
  * update and SPI calls.
  */
+#include <android/log.h>
 #include <unistd.h>
 #include <vesksdk.h>
 
-#include "BoardCount.h"
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "BoardInput.h"
+#include "DeviceManagerCore.h"
 #include "ServiceTrace.h"
 #include "TraceLines.h"
-#include "VeskDeviceManager.h"
 #include "VeskPlatform.h"
 
-namespace vesk::hardware::veskdevicemanager::implementation {
+namespace vesk::hardware::veskdevicemanager::core {
+
+using implementation::BoardInput;
+using implementation::kTag;
+using implementation::trace;
+
 namespace {
 
-bool blockExists(const hidl_string& path) {
+bool blockExists(const std::string& path) {
     return access(vesk::platform::devicePath(path.c_str()).c_str(), F_OK) == 0;
 }
 
 }  // namespace
 
-Return<int32_t> VeskDeviceManager::writeBlockDataDefined(const hidl_vec<uint8_t>& data,
-                                                         uint32_t offset) {
+int32_t DeviceManagerCore::writeBlockDataDefined(InputView<uint8_t> data, uint32_t offset) {
     trace("writeBlockDataDefined", VESK_TRACE_LINE("writeBlockDataDefined"));
     return bi_block_write_defined(offset, data.data(), data.size());
 }
 
-Return<void> VeskDeviceManager::readBlockDataDefined(uint32_t length, uint32_t offset,
-                                                     readBlockDataDefined_cb _hidl_cb) {
+std::vector<uint8_t> DeviceManagerCore::readBlockDataDefined(uint32_t length, uint32_t offset) {
     vesk::log::debug(kTag, "%s %d length = %u offset = %u\n", "readBlockDataDefined",
                      VESK_TRACE_LINE("readBlockDataDefined"), length, offset);
-    hidl_vec<uint8_t> data(length);
+    std::vector<uint8_t> data(length);
     if (bi_block_read_defined(offset, data.data(), length) < 0) {
         vesk::log::error(kTag, "%s: bi_block_read_defined failed\n", "readBlockDataDefined");
-        data.resize(0);
+        data.clear();
     }
-    _hidl_cb(data);
-    return Void();
+    return data;
 }
 
-Return<int32_t> VeskDeviceManager::writeBlockDataScreen(const hidl_vec<uint8_t>& data,
-                                                        uint32_t offset) {
+int32_t DeviceManagerCore::writeBlockDataScreen(InputView<uint8_t> data, uint32_t offset) {
     trace("writeBlockDataScreen", VESK_TRACE_LINE("writeBlockDataScreen"));
     return bi_block_write_screen(offset, data.data(), data.size());
 }
 
-Return<void> VeskDeviceManager::readBlockDataScreen(uint32_t length, uint32_t offset,
-                                                    readBlockDataScreen_cb _hidl_cb) {
+std::vector<uint8_t> DeviceManagerCore::readBlockDataScreen(uint32_t length, uint32_t offset) {
     vesk::log::debug(kTag, "%s %d length = %u offset = %u\n", "readBlockDataScreen",
                      VESK_TRACE_LINE("readBlockDataScreen"), length, offset);
-    hidl_vec<uint8_t> data(length);
+    std::vector<uint8_t> data(length);
     int ret = bi_block_read_screen(offset, data.data(), length);
     if (ret < 0) {
         vesk::log::error(kTag, "%s: bi_block_read_screen failed. ret = %d\n", "readBlockDataScreen",
                          ret);
-        data.resize(0);
+        data.clear();
     }
-    _hidl_cb(data);
-    return Void();
+    return data;
 }
 
-Return<int32_t> VeskDeviceManager::loadFPGAProgram() {
+int32_t DeviceManagerCore::loadFPGAProgram() {
     trace("loadFPGAProgram", VESK_TRACE_LINE("loadFPGAProgram"));
     return bi_fpga_load_program();
 }
 
-Return<int32_t> VeskDeviceManager::loadFPGAParamBlockData() {
+int32_t DeviceManagerCore::loadFPGAParamBlockData() {
     trace("loadFPGAParamBlockData", VESK_TRACE_LINE("loadFPGAParamBlockData"));
     return bi_fpga_load_parameter();
 }
 
 // The board receives `length`, not the vector's size: kept as the FPGA tools use it.
-Return<int32_t> VeskDeviceManager::setFPGAProgramBlockData(const hidl_vec<uint8_t>& data,
-                                                           uint32_t length, uint32_t offset) {
+int32_t DeviceManagerCore::setFPGAProgramBlockData(InputView<uint8_t> data, uint32_t length,
+                                                   uint32_t offset) {
     trace("setFPGAProgramBlockData", VESK_TRACE_LINE("setFPGAProgramBlockData"));
     // The board reads `length` bytes: past a shorter vector it reads zeros.
     return bi_block_write_fpga_program(offset, BoardInput<uint8_t>(data, length).data(), length);
 }
 
-Return<void> VeskDeviceManager::getFPGAProgramBlockData(uint32_t length, uint32_t offset,
-                                                        getFPGAProgramBlockData_cb _hidl_cb) {
+std::vector<uint8_t> DeviceManagerCore::getFPGAProgramBlockData(uint32_t length, uint32_t offset) {
     trace("getFPGAProgramBlockData", VESK_TRACE_LINE("getFPGAProgramBlockData"));
-    hidl_vec<uint8_t> data(length);
+    std::vector<uint8_t> data(length);
     int ret = bi_block_read_fpga_program(offset, data.data(), length);
     if (ret < 0) {
         vesk::log::error(kTag, "%s: bi_block_read_fpga_program failed. ret = %d\n",
                          "getFPGAProgramBlockData", ret);
-        data.resize(0);
+        data.clear();
     }
-    _hidl_cb(data);
-    return Void();
+    return data;
 }
 
 // `length` is not used: the vector's size is what the board receives. A missing path answers 0.
-Return<int32_t> VeskDeviceManager::writeBlockData(const hidl_string& path, uint32_t offset,
-                                                  uint32_t /* length */,
-                                                  const hidl_vec<uint8_t>& data) {
+int32_t DeviceManagerCore::writeBlockData(const std::string& path, uint32_t offset,
+                                          uint32_t /* length */, InputView<uint8_t> data) {
     vesk::log::debug(kTag, "%s %d path = %s\n", "writeBlockData", VESK_TRACE_LINE("writeBlockData"),
                      path.c_str());
     if (!blockExists(path)) {
@@ -112,11 +113,11 @@ Return<int32_t> VeskDeviceManager::writeBlockData(const hidl_string& path, uint3
     return ret;
 }
 
-Return<void> VeskDeviceManager::readBlockData(const hidl_string& path, uint32_t offset,
-                                              uint32_t length, readBlockData_cb _hidl_cb) {
+std::vector<uint8_t> DeviceManagerCore::readBlockData(const std::string& path, uint32_t offset,
+                                                      uint32_t length) {
     vesk::log::debug(kTag, "%s %d path = %s\n", "readBlockData", VESK_TRACE_LINE("readBlockData"),
                      path.c_str());
-    hidl_vec<uint8_t> data;
+    std::vector<uint8_t> data;
     if (!blockExists(path)) {
         vesk::log::error(kTag, "%s: %s not exist\n", "readBlockData", path.c_str());
     } else {
@@ -126,46 +127,51 @@ Return<void> VeskDeviceManager::readBlockData(const hidl_string& path, uint32_t 
         if (ret < 0) {
             vesk::log::error(kTag, "%s: bi_block_read_data failed. ret = %d\n", "readBlockData",
                              ret);
-            data.resize(0);
+            data.clear();
         }
     }
-    _hidl_cb(data);
-    return Void();
+    return data;
 }
 
-Return<int32_t> VeskDeviceManager::writeSpiFpga(const hidl_vec<uint8_t>& data) {
+int32_t DeviceManagerCore::writeSpiFpga(InputView<uint8_t> data) {
     return bi_fpga_spi_write(data.data(), data.size());
 }
 
 // Full duplex in one buffer. A failed exchange hands back the whole buffer as the board left
 // it; the client looks at `ret`.
-Return<void> VeskDeviceManager::wReadSpiFpga(const hidl_vec<uint8_t>& data,
-                                             wReadSpiFpga_cb _hidl_cb) {
-    hidl_vec<uint8_t> buffer(data);
+TransferResult DeviceManagerCore::wReadSpiFpga(InputView<uint8_t> data) {
+    std::vector<uint8_t> buffer(data.begin(), data.end());
     int ret = bi_fpga_spi_write_read(buffer.data(), buffer.size());
     if (ret >= 0 && static_cast<size_t>(ret) < buffer.size()) buffer.resize(ret);
-    _hidl_cb(ret, buffer);
-    return Void();
+    return {ret, std::move(buffer)};
 }
 
-// A negative size is not caught here: the vector's own size check ends the process.
-Return<void> VeskDeviceManager::readSpiFpga(int32_t size, readSpiFpga_cb _hidl_cb) {
-    hidl_vec<uint8_t> buffer;
-    buffer.resize(vectorSizeOf(size));
+// A negative size never reaches the board: the HIDL facade ends the process before it calls here
+// (through its vector's own size check), and any other front end refuses it
+// (spiReadSizeRefusal); one that does not ends the process here.
+TransferResult DeviceManagerCore::readSpiFpga(int32_t size) {
+    if (size < 0) {
+        __android_log_assert(nullptr, kTag, "readSpiFpga: the size %d is negative", size);
+    }
+    std::vector<uint8_t> buffer(size);
     int ret = bi_fpga_spi_read(buffer.data(), size);
     if (ret >= 0 && ret < size) buffer.resize(ret);
-    _hidl_cb(ret, buffer);
-    return Void();
+    return {ret, std::move(buffer)};
 }
 
-Return<int32_t> VeskDeviceManager::fpgaFirmwareUpdate(const hidl_string& path) {
+std::optional<std::string> DeviceManagerCore::spiReadSizeRefusal(int32_t size) const {
+    if (size >= 0) return std::nullopt;
+    return "size: " + std::to_string(size) + ", a size cannot be negative";
+}
+
+int32_t DeviceManagerCore::fpgaFirmwareUpdate(const std::string& path) {
     trace("fpgaFirmwareUpdate", VESK_TRACE_LINE("fpgaFirmwareUpdate"));
     return bi_fpga_firmware_update(path.c_str());
 }
 
-Return<int32_t> VeskDeviceManager::checkBlock(const hidl_string& path) {
+int32_t DeviceManagerCore::checkBlock(const std::string& path) {
     trace("checkBlock", VESK_TRACE_LINE("checkBlock"));
     return bi_block_check(path.c_str());
 }
 
-}  // namespace vesk::hardware::veskdevicemanager::implementation
+}  // namespace vesk::hardware::veskdevicemanager::core

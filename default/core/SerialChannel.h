@@ -4,10 +4,9 @@
  */
 #pragma once
 
-#include <hidl/HidlSupport.h>
-
 #include <cstdint>
-#include <functional>
+
+#include "CoreTypes.h"
 
 namespace vesk::hardware::veskdevicemanager::implementation {
 
@@ -30,20 +29,16 @@ struct SerialChannel {
     NonBlockingReport report;
 };
 
-using SerialReadCallback =
-        std::function<void(const ::android::hardware::hidl_vec<uint8_t>& data, uint32_t count)>;
-
 namespace serial {
 
 int32_t open(const SerialChannel& channel, const char* method, int32_t baudrate, uint8_t databits,
              uint8_t stopbits, int8_t parity);
 int32_t close(const SerialChannel& channel, const char* method);
-void blockingRead(const SerialChannel& channel, const char* method, uint32_t dataSize,
-                  uint32_t timeoutMs, const SerialReadCallback& callback);
-void nonBlockingRead(const SerialChannel& channel, const char* method, uint32_t dataSize,
-                     const SerialReadCallback& callback);
-int32_t write(const SerialChannel& channel, const char* method,
-              const ::android::hardware::hidl_vec<uint8_t>& data);
+core::ReadResult blockingRead(const SerialChannel& channel, const char* method, uint32_t dataSize,
+                              uint32_t timeoutMs);
+core::ReadResult nonBlockingRead(const SerialChannel& channel, const char* method,
+                                 uint32_t dataSize);
+int32_t write(const SerialChannel& channel, const char* method, core::InputView<uint8_t> data);
 
 }  // namespace serial
 }  // namespace vesk::hardware::veskdevicemanager::implementation

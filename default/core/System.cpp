@@ -8,29 +8,32 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
+#include <vector>
 
-#include "BoardText.h"
+#include "DeviceManagerCore.h"
 #include "DevicePaths.h"
 #include "ServiceTrace.h"
 #include "TraceLines.h"
-#include "VeskDeviceManager.h"
 #include "VeskPlatform.h"
 
-namespace vesk::hardware::veskdevicemanager::implementation {
+namespace vesk::hardware::veskdevicemanager::core {
 
-Return<int32_t> VeskDeviceManager::getProcessNum(const hidl_string& name, int32_t flag) {
+using implementation::kTag;
+using implementation::trace;
+
+int32_t DeviceManagerCore::getProcessNum(const std::string& name, int32_t flag) {
     trace("getProcessNum", VESK_TRACE_LINE("getProcessNum"));
     return bi_kill_get_process_num(name.c_str(), flag);
 }
 
-Return<void> VeskDeviceManager::getProcessInfo(const hidl_string& name, getProcessInfo_cb _hidl_cb) {
+ProcessInfo DeviceManagerCore::getProcessInfo(const std::string& name) {
     trace("getProcessInfo", VESK_TRACE_LINE("getProcessInfo"));
-    ProcessInfo info{};
+    ProcessInfo info;
     auto* record = static_cast<vesk_process_record*>(calloc(1, sizeof(vesk_process_record)));
     if (record == nullptr) {
         vesk::log::error(kTag, "%s malloc failed\n", "getProcessInfo");
-        _hidl_cb(info);
-        return Void();
+        return info;
     }
     // Only exactly 1 means found.
     if (bi_get_process_info_by_name(name.c_str(), record) != 1) {
@@ -46,19 +49,18 @@ Return<void> VeskDeviceManager::getProcessInfo(const hidl_string& name, getProce
         info.value32 = record->value32;
     }
     free(record);
-    _hidl_cb(info);
-    return Void();
+    return info;
 }
 
-Return<int32_t> VeskDeviceManager::killProcessNum(int32_t pid) {
+int32_t DeviceManagerCore::killProcessNum(int32_t pid) {
     trace("killProcessNum", VESK_TRACE_LINE("killProcessNum"));
     return bi_kill_process_num(pid);
 }
 
-Return<void> VeskDeviceManager::getUsbList(getUsbList_cb _hidl_cb) {
+std::vector<UsbList> DeviceManagerCore::getUsbList() {
     trace("getUsbList", VESK_TRACE_LINE("getUsbList"));
     auto* record = static_cast<vesk_usb_list_record*>(calloc(1, sizeof(vesk_usb_list_record)));
-    hidl_vec<UsbList> list;
+    std::vector<UsbList> list;
     if (record != nullptr) {
         int ret = bi_info_get_usb_list(record);
         // The record has room for VESK_USB_LIST_MAX devices; a larger count is not believed.
@@ -72,15 +74,14 @@ Return<void> VeskDeviceManager::getUsbList(getUsbList_cb _hidl_cb) {
         }
         free(record);
     }
-    _hidl_cb(list);
-    return Void();
+    return list;
 }
 
-Return<void> VeskDeviceManager::getCpuStatus(getCpuStatus_cb _hidl_cb) {
+CpuStatus DeviceManagerCore::getCpuStatus() {
     trace("getCpuStatus", VESK_TRACE_LINE("getCpuStatus"));
     vesk_cpu_record record;
     memset(&record, 0, sizeof(record));
-    CpuStatus status{};
+    CpuStatus status;
     if (bi_info_get_cpu_state(&record) != 0) {
         vesk::log::error(kTag, "%s: get cpu info failed\n", "getCpuStatus");
     } else {
@@ -98,38 +99,36 @@ Return<void> VeskDeviceManager::getCpuStatus(getCpuStatus_cb _hidl_cb) {
                         "getCpuStatus", status.usr, status.nic, status.sys, status.idle,
                         status.iowait, status.irq, status.softirq, status.temperature);
     }
-    _hidl_cb(status);
-    return Void();
+    return status;
 }
 
 // The method's own name stands in the version text; clients parse it as it is.
-Return<void> VeskDeviceManager::getVndkVersion(getVndkVersion_cb _hidl_cb) {
+std::string DeviceManagerCore::getVndkVersion() {
     trace("getVndkVersion", VESK_TRACE_LINE("getVndkVersion"));
     char version[100];
     snprintf(version, sizeof(version), "%s:1.0", "getVndkVersion");
-    _hidl_cb(version);
-    return Void();
+    return version;
 }
 
-Return<int32_t> VeskDeviceManager::schedUnbindPidFromCore(int32_t pid) {
+int32_t DeviceManagerCore::schedUnbindPidFromCore(int32_t pid) {
     trace("schedUnbindPidFromCore", VESK_TRACE_LINE("schedUnbindPidFromCore"));
     return bi_sched_unbind_pid_from_main_core(pid);
 }
 
-Return<int32_t> VeskDeviceManager::schedBindPidFromCore(int32_t pid) {
+int32_t DeviceManagerCore::schedBindPidFromCore(int32_t pid) {
     trace("schedBindPidFromCore", VESK_TRACE_LINE("schedBindPidFromCore"));
     return bi_sched_bind_pid_to_main_core(pid);
 }
 
-Return<int32_t> VeskDeviceManager::schedAdjustCpuFreq(const hidl_string& mode) {
+int32_t DeviceManagerCore::schedAdjustCpuFreq(const std::string& mode) {
     trace("schedAdjustCpuFreq", VESK_TRACE_LINE("schedAdjustCpuFreq"));
     return bi_sched_adjust_cpu_freq(mode.c_str());
 }
 
-Return<int32_t> VeskDeviceManager::setSystemShutDown() {
+int32_t DeviceManagerCore::setSystemShutDown() {
     trace("setSystemShutDown", VESK_TRACE_LINE("setSystemShutDown"));
     vesk::platform::runCommand(vesk::platform::kPowerOffCommand);
     return 0;
 }
 
-}  // namespace vesk::hardware::veskdevicemanager::implementation
+}  // namespace vesk::hardware::veskdevicemanager::core

@@ -3,15 +3,18 @@
  */
 #include <vesksdk.h>
 
+#include "DeviceManagerCore.h"
 #include "DevicePaths.h"
 #include "ServiceTrace.h"
 #include "TraceLines.h"
-#include "VeskDeviceManager.h"
 #include "VeskPlatform.h"
 
-namespace vesk::hardware::veskdevicemanager::implementation {
+namespace vesk::hardware::veskdevicemanager::core {
 
-Return<int32_t> VeskDeviceManager::setPQEnable(int32_t enable) {
+using implementation::kTag;
+using implementation::trace;
+
+int32_t DeviceManagerCore::setPQEnable(int32_t enable) {
     trace("setPQEnable", VESK_TRACE_LINE("setPQEnable"));
     if (enable == 1) {
         vesk::platform::runCommand(vesk::platform::kPictureQualityOnCommand);
@@ -21,13 +24,13 @@ Return<int32_t> VeskDeviceManager::setPQEnable(int32_t enable) {
     return bi_set_pq_state(enable);
 }
 
-Return<int32_t> VeskDeviceManager::getPQEnable() {
+int32_t DeviceManagerCore::getPQEnable() {
     trace("getPQEnable", VESK_TRACE_LINE("getPQEnable"));
     return bi_get_pq_state();
 }
 
 // Both commands also select 2160p60hz: HDR switching always sets that output mode.
-Return<int32_t> VeskDeviceManager::setHDREnable(int32_t enable) {
+int32_t DeviceManagerCore::setHDREnable(int32_t enable) {
     trace("setHDREnable", VESK_TRACE_LINE("setHDREnable"));
     if (enable == 0) {
         int status = vesk::platform::runCommand(vesk::platform::kSdrCommand);
@@ -42,4 +45,4 @@ Return<int32_t> VeskDeviceManager::setHDREnable(int32_t enable) {
     return -1;
 }
 
-}  // namespace vesk::hardware::veskdevicemanager::implementation
+}  // namespace vesk::hardware::veskdevicemanager::core

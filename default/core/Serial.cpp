@@ -3,11 +3,17 @@
  */
 #include <vesksdk.h>
 
+#include "DeviceManagerCore.h"
 #include "SerialChannel.h"
 #include "TraceLines.h"
-#include "VeskDeviceManager.h"
 
-namespace vesk::hardware::veskdevicemanager::implementation {
+namespace vesk::hardware::veskdevicemanager::core {
+
+using implementation::NonBlockingReport;
+using implementation::SerialChannel;
+using implementation::traceLine;
+namespace serial = implementation::serial;
+
 namespace {
 
 #define VESK_BOARD_SERIAL(prefix)                                                              \
@@ -48,29 +54,25 @@ constexpr SerialChannel kTtl_2{VESK_BOARD_SERIAL(ttl_2), VESK_SERIAL_LINES(TTL_2
 
 }  // namespace
 
-#define VESK_SERIAL_METHODS(suffix, channel)                                                        \
-    Return<int32_t> VeskDeviceManager::openSerialPort##suffix(int32_t baudrate, uint8_t databits,   \
-                                                              uint8_t stopbits, int8_t parity) {    \
-        return serial::open(channel, "openSerialPort" #suffix, baudrate, databits, stopbits,        \
-                            parity);                                                                \
-    }                                                                                               \
-    Return<int32_t> VeskDeviceManager::closeSerialPort##suffix() {                                  \
-        return serial::close(channel, "closeSerialPort" #suffix);                                   \
-    }                                                                                               \
-    Return<void> VeskDeviceManager::readBlockingSerialPort##suffix(                                 \
-            uint32_t data_size, uint32_t timeout_ms,                                                \
-            readBlockingSerialPort##suffix##_cb _hidl_cb) {                                         \
-        serial::blockingRead(channel, "readBlockingSerialPort" #suffix, data_size, timeout_ms,      \
-                             _hidl_cb);                                                             \
-        return Void();                                                                              \
-    }                                                                                               \
-    Return<void> VeskDeviceManager::readNonBlockingSerialPort##suffix(                              \
-            uint32_t data_size, readNonBlockingSerialPort##suffix##_cb _hidl_cb) {                  \
-        serial::nonBlockingRead(channel, "readNonBlockingSerialPort" #suffix, data_size, _hidl_cb); \
-        return Void();                                                                              \
-    }                                                                                               \
-    Return<int32_t> VeskDeviceManager::writeSerialPort##suffix(const hidl_vec<uint8_t>& data) {     \
-        return serial::write(channel, "writeSerialPort" #suffix, data);                             \
+#define VESK_SERIAL_METHODS(suffix, channel)                                                     \
+    int32_t DeviceManagerCore::openSerialPort##suffix(int32_t baudrate, uint8_t databits,        \
+                                                      uint8_t stopbits, int8_t parity) {         \
+        return serial::open(channel, "openSerialPort" #suffix, baudrate, databits, stopbits,     \
+                            parity);                                                             \
+    }                                                                                            \
+    int32_t DeviceManagerCore::closeSerialPort##suffix() {                                       \
+        return serial::close(channel, "closeSerialPort" #suffix);                                \
+    }                                                                                            \
+    ReadResult DeviceManagerCore::readBlockingSerialPort##suffix(uint32_t data_size,             \
+                                                                 uint32_t timeout_ms) {          \
+        return serial::blockingRead(channel, "readBlockingSerialPort" #suffix, data_size,        \
+                                    timeout_ms);                                                 \
+    }                                                                                            \
+    ReadResult DeviceManagerCore::readNonBlockingSerialPort##suffix(uint32_t data_size) {        \
+        return serial::nonBlockingRead(channel, "readNonBlockingSerialPort" #suffix, data_size); \
+    }                                                                                            \
+    int32_t DeviceManagerCore::writeSerialPort##suffix(InputView<uint8_t> data) {                \
+        return serial::write(channel, "writeSerialPort" #suffix, data);                          \
     }
 
 VESK_SERIAL_METHODS(485, k485)
@@ -83,4 +85,4 @@ VESK_SERIAL_METHODS(TTL_2, kTtl_2)
 
 #undef VESK_SERIAL_METHODS
 
-}  // namespace vesk::hardware::veskdevicemanager::implementation
+}  // namespace vesk::hardware::veskdevicemanager::core

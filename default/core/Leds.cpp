@@ -4,124 +4,127 @@
  */
 #include <vesksdk.h>
 
+#include "DeviceManagerCore.h"
 #include "ServiceTrace.h"
 #include "TraceLines.h"
-#include "VeskDeviceManager.h"
 
-namespace vesk::hardware::veskdevicemanager::implementation {
+namespace vesk::hardware::veskdevicemanager::core {
 
-Return<int32_t> VeskDeviceManager::setSysLedState(int32_t state) {
+using implementation::kTag;
+using implementation::trace;
+
+int32_t DeviceManagerCore::setSysLedState(int32_t state) {
     trace("setSysLedState", VESK_TRACE_LINE("setSysLedState"));
     return bi_sysled_set_state(state);
 }
 
-Return<int32_t> VeskDeviceManager::getSysLedState() {
+int32_t DeviceManagerCore::getSysLedState() {
     trace("getSysLedState", VESK_TRACE_LINE("getSysLedState"));
     return bi_sysled_get_state();
 }
 
-Return<int32_t> VeskDeviceManager::setNetLedState(int32_t state) {
+int32_t DeviceManagerCore::setNetLedState(int32_t state) {
     trace("setNetLedState", VESK_TRACE_LINE("setNetLedState"));
     return bi_netled_set_state(state);
 }
 
-Return<int32_t> VeskDeviceManager::getNetLedState() {
+int32_t DeviceManagerCore::getNetLedState() {
     trace("getNetLedState", VESK_TRACE_LINE("getNetLedState"));
     return bi_netled_get_state();
 }
 
-Return<int32_t> VeskDeviceManager::setColorLedState(int32_t red, int32_t green, int32_t blue) {
+int32_t DeviceManagerCore::setColorLedState(int32_t red, int32_t green, int32_t blue) {
     trace("setColorLedState", VESK_TRACE_LINE("setColorLedState"));
     vesk::log::debug(kTag, "red_state:%d green_state:%d blue_state:%d", red, green, blue);
     return bi_triled_set_state(red, green, blue);
 }
 
-Return<int32_t> VeskDeviceManager::getColorLedState() {
+int32_t DeviceManagerCore::getColorLedState() {
     trace("getColorLedState", VESK_TRACE_LINE("getColorLedState"));
     return bi_triled_get_state();
 }
 
-Return<int32_t> VeskDeviceManager::set4gLedState(int32_t state) {
+int32_t DeviceManagerCore::set4gLedState(int32_t state) {
     trace("set4gLedState", VESK_TRACE_LINE("set4gLedState"));
     return bi_4gled_set_state(state);
 }
 
-Return<int32_t> VeskDeviceManager::get4gLedState() {
+int32_t DeviceManagerCore::get4gLedState() {
     trace("get4gLedState", VESK_TRACE_LINE("get4gLedState"));
     return bi_4gled_get_state();
 }
 
-Return<int32_t> VeskDeviceManager::setPositionLedState(int32_t state) {
+int32_t DeviceManagerCore::setPositionLedState(int32_t state) {
     trace("setPositionLedState", VESK_TRACE_LINE("setPositionLedState"));
     return bi_position_led_set_state(state);
 }
 
-Return<int32_t> VeskDeviceManager::getPositionLedState() {
+int32_t DeviceManagerCore::getPositionLedState() {
     trace("getPositionLedState", VESK_TRACE_LINE("getPositionLedState"));
     return bi_position_led_get_state();
 }
 
-Return<int32_t> VeskDeviceManager::setSwitchLedState(int32_t state) {
+int32_t DeviceManagerCore::setSwitchLedState(int32_t state) {
     trace("setSwitchLedState", VESK_TRACE_LINE("setSwitchLedState"));
     return bi_switchled_set_state(state);
 }
 
-Return<int32_t> VeskDeviceManager::getSwitchLedState() {
+int32_t DeviceManagerCore::getSwitchLedState() {
     trace("getSwitchLedState", VESK_TRACE_LINE("getSwitchLedState"));
     return bi_switchled_get_state();
 }
 
-Return<int32_t> VeskDeviceManager::setRunningLedState(int32_t state) {
+int32_t DeviceManagerCore::setRunningLedState(int32_t state) {
     trace("setRunningLedState", VESK_TRACE_LINE("setRunningLedState"));
     return bi_runningled_set_state(state);
 }
 
-Return<int32_t> VeskDeviceManager::getRunningLedState() {
+int32_t DeviceManagerCore::getRunningLedState() {
     trace("getRunningLedState", VESK_TRACE_LINE("getRunningLedState"));
     return bi_runningled_get_state();
 }
 
-Return<int32_t> VeskDeviceManager::setCloudLedState(int32_t state) {
+int32_t DeviceManagerCore::setCloudLedState(int32_t state) {
     trace("setCloudLedState", VESK_TRACE_LINE("setCloudLedState"));
     return bi_cloudled_set_state(state);
 }
 
-Return<int32_t> VeskDeviceManager::getCloudLedState() {
+int32_t DeviceManagerCore::getCloudLedState() {
     trace("getCloudLedState", VESK_TRACE_LINE("getCloudLedState"));
     return bi_cloudled_get_state();
 }
 
-Return<int32_t> VeskDeviceManager::setRelayState(int32_t state) {
+int32_t DeviceManagerCore::setRelayState(int32_t state) {
     trace("setRelayState", VESK_TRACE_LINE("setRelayState"));
     return bi_relay_set_state(state);
 }
 
-Return<int32_t> VeskDeviceManager::getRelayState() {
+int32_t DeviceManagerCore::getRelayState() {
     trace("getRelayState", VESK_TRACE_LINE("getRelayState"));
     return bi_relay_get_state();
 }
 
-Return<int32_t> VeskDeviceManager::setPeripheralRelayStatus(uint32_t dev_num, int32_t enable) {
+int32_t DeviceManagerCore::setPeripheralRelayStatus(uint32_t dev_num, int32_t enable) {
     vesk::log::debug(kTag, "%s %d, dev_num = %d, enable = %d\n", "setPeripheralRelayStatus",
                      VESK_TRACE_LINE("setPeripheralRelayStatus"), dev_num, enable);
     return bi_peripheral_relay_enable(dev_num, enable);
 }
 
-Return<int32_t> VeskDeviceManager::getPeripheralRelayStatus(uint32_t dev_num) {
+int32_t DeviceManagerCore::getPeripheralRelayStatus(uint32_t dev_num) {
     vesk::log::debug(kTag, "%s %d, dev_num = %d\n", "getPeripheralRelayStatus",
                      VESK_TRACE_LINE("getPeripheralRelayStatus"), dev_num);
     return bi_peripheral_relay_get_status(dev_num);
 }
 
-Return<int32_t> VeskDeviceManager::setUsbSubCardLedStatus(int32_t enable) {
+int32_t DeviceManagerCore::setUsbSubCardLedStatus(int32_t enable) {
     vesk::log::debug(kTag, "%s %d, enable = %d\n", "setUsbSubCardLedStatus",
                      VESK_TRACE_LINE("setUsbSubCardLedStatus"), enable);
     return bi_usb_sub_card_led_enable(enable);
 }
 
-Return<int32_t> VeskDeviceManager::getUsbSubCardLedStatus() {
+int32_t DeviceManagerCore::getUsbSubCardLedStatus() {
     trace("getUsbSubCardLedStatus", VESK_TRACE_LINE("getUsbSubCardLedStatus"));
     return bi_usb_sub_card_led_get_status();
 }
 
-}  // namespace vesk::hardware::veskdevicemanager::implementation
+}  // namespace vesk::hardware::veskdevicemanager::core

@@ -1,0 +1,144 @@
+/*
+ * The core's own types. The interface's records, with the field names of types.hal and plain
+ * C++ members; one struct for each shape of a result of several values; and the view through
+ * which a client's vector reaches the core without being copied.
+ */
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace vesk::hardware::veskdevicemanager::core {
+
+// The board's product record: identity texts and switches.
+struct ProductInfo {
+    std::string text01;
+    std::string modelId;  // the product's model number, in decimal
+    std::string text03;
+    std::string text04;
+    std::string text05;
+    std::string text06;
+    std::string text07;
+    std::string text08;
+    std::string text09;
+    std::string text10;
+    std::string text11;
+    std::string text12;
+    std::string text13;
+    std::string text14;
+    std::string text15;
+    std::string text16;
+    std::string text17;
+    std::string text18;
+    std::string text19;
+    std::string text20;
+    std::string text21;
+    bool flag1 = false;
+    bool flag2 = false;
+    bool flag3 = false;
+    bool useDHCP = false;  // whether the network is configured by DHCP
+};
+
+// The watchdog's configuration.
+struct WatchDogCfg {
+    std::string wdtDevice;
+    uint32_t wdt_timeout = 0;
+    uint32_t wdt_interval = 0;
+};
+
+// What the board knows of a process.
+struct ProcessInfo {
+    std::string name1;
+    std::string name2;
+    std::string name3;
+    std::array<uint8_t, 16> block{};
+    uint64_t value64 = 0;
+    double valueReal = 0;
+    uint32_t value32 = 0;
+};
+
+// One USB device: vendor and product identifier.
+struct UsbList {
+    uint32_t vid = 0;
+    uint32_t pid = 0;
+};
+
+// CPU load in percent per category, and the CPU temperature.
+struct CpuStatus {
+    float usr = 0;
+    float nic = 0;
+    float sys = 0;
+    float idle = 0;
+    float iowait = 0;
+    float irq = 0;
+    float softirq = 0;
+    uint32_t temperature = 0;
+};
+
+// The log daemon's configuration.
+struct VeskLogInfo {
+    std::string level;
+    std::string base;
+    std::string mode;
+    std::string total_size;
+    std::string once_size;
+};
+
+// A display resolution; status 1 marks a usable entry.
+struct VeskEffeResolution {
+    uint32_t width = 0;
+    uint32_t height = 0;
+    uint32_t fps = 0;
+    int32_t status = 0;
+};
+
+// A serial read: the bytes read and the count as the board reported it, negative on failure
+// (then `data` is empty) and passed on unchanged when it exceeds the size asked for.
+struct ReadResult {
+    std::vector<uint8_t> data;
+    int32_t bytesRead = 0;
+};
+
+// An SPI exchange: the board's result and the buffer as the method hands it back.
+struct TransferResult {
+    int32_t ret = 0;
+    std::vector<uint8_t> data;
+};
+
+// The log daemon's configuration as read, with the board's result (0 is its failure).
+struct LogConfigureResult {
+    int32_t ret = 0;
+    VeskLogInfo info;
+};
+
+// The resolution list: the count as the board reported it and its entries, none when the count
+// is negative (a failure the HIDL facade answers by ending the process, as its vector type does).
+struct ResolutionListResult {
+    int32_t count = 0;
+    std::vector<VeskEffeResolution> list;
+};
+
+// A client's vector as the core reads it: the elements where the client's own vector holds
+// them, so that neither front end copies a buffer to pass it in. Valid for the call only.
+template <typename T>
+class InputView {
+  public:
+    InputView() = default;
+    InputView(const T* data, size_t size) : mData(data), mSize(size) {}
+    // Implicit: a std::vector is passed as it is.
+    InputView(const std::vector<T>& items) : mData(items.data()), mSize(items.size()) {}
+
+    const T* data() const { return mData; }
+    size_t size() const { return mSize; }
+    const T* begin() const { return mData; }
+    const T* end() const { return mData + mSize; }
+
+  private:
+    const T* mData = nullptr;
+    size_t mSize = 0;
+};
+
+}  // namespace vesk::hardware::veskdevicemanager::core
