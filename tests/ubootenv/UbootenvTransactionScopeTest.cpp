@@ -23,7 +23,7 @@ std::map<std::string, std::string> variablesOf(const Ubootenv& env) {
     return values;
 }
 
-// The factory variables with `changes` applied (new keys last, as the list keeps them).
+// The factory variables with `changes` applied.
 std::map<std::string, std::string> factoryWith(const std::map<std::string, std::string>& changes) {
     std::map<std::string, std::string> values;
     for (const auto& [key, value] : factoryVariables()) values[key] = value;
@@ -45,50 +45,6 @@ class UbootenvTransactionScopeTest : public EnvTest {
         return variablesOf(env);
     }
 };
-
-TEST_F(UbootenvTransactionScopeTest, ThePartitionIsHeldFromTheFirstUpdateToTheEndOfTheScope) {
-    Ubootenv env;
-    {
-        Ubootenv::Transaction transaction(env);
-        EXPECT_FALSE(heldElsewhere(partition())) << "nothing is held before an update";
-        ASSERT_EQ(0, env.updateValue("ubootenv.var.hdmimode", "720p60hz"));
-        EXPECT_TRUE(heldElsewhere(partition()));
-        ASSERT_EQ(0, env.updateValue("ubootenv.var.hdmimode", "720p60hz"));  // unchanged
-        EXPECT_TRUE(heldElsewhere(partition()));
-        {
-            Ubootenv::Transaction inner(env);
-            ASSERT_EQ(0, env.updateValue("ubootenv.var.is.bestmode", "false"));
-        }
-        EXPECT_TRUE(heldElsewhere(partition())) << "an inner scope leaves it to the outer one";
-    }
-    EXPECT_FALSE(heldElsewhere(partition()));
-    // Outside a scope an update holds it only while it runs.
-    ASSERT_EQ(0, env.updateValue("ubootenv.var.hdmimode", "1080p60hz"));
-    EXPECT_FALSE(heldElsewhere(partition()));
-    EXPECT_EQ(factoryWith({{"is.bestmode", "false"}}), stored());
-}
-
-// The lines of the updates are those of updates made one by one; only the first look-up goes
-// to the partition, and an update that changes nothing saves nothing.
-TEST_F(UbootenvTransactionScopeTest, UpdatesInAScopeLogAndSaveAsEachAlone) {
-    Ubootenv env;
-    takeEnvLog();
-    {
-        Ubootenv::Transaction transaction(env);
-        EXPECT_EQ(0, env.updateValue("ubootenv.var.custom_mode", "1,2"));
-        EXPECT_EQ(0, env.updateValue("ubootenv.var.custom_mode", "1,2"));
-        EXPECT_EQ(0, env.updateValue("ubootenv.var.hdmimode", "1080p60hz"));  // the factory's
-        EXPECT_EQ(0, env.updateValue("ubootenv.var.hdmimode", "999p60hz"));
-    }
-    const EnvLog saved = {kInfo, "updateValue",
-                          "[ubootenv] Save ubootenv to /dev/block/env succeed!\n"};
-    EXPECT_EQ((EnvLogs{updateLine("ubootenv.var.custom_mode", "1,2"), saved,
-                       updateLine("ubootenv.var.custom_mode", "1,2"),
-                       updateLine("ubootenv.var.hdmimode", "1080p60hz"),
-                       updateLine("ubootenv.var.hdmimode", "999p60hz"), saved}),
-              takeEnvLog());
-    EXPECT_EQ(factoryWith({{"custom_mode", "1,2"}, {"hdmimode", "999p60hz"}}), stored());
-}
 
 TEST_F(UbootenvTransactionScopeTest, AnotherProcessUpdatingWaitsAndEveryChangeSurvives) {
     Signal loaded;
@@ -168,6 +124,50 @@ TEST_F(UbootenvTransactionScopeTest, AProcessKilledInsideTheScopeLeavesItsLastCo
             EXPECT_EQ(expected, stored());
         }
     }
+}
+
+TEST_F(UbootenvTransactionScopeTest, ThePartitionIsHeldFromTheFirstUpdateToTheEndOfTheScope) {
+    Ubootenv env;
+    {
+        Ubootenv::Transaction transaction(env);
+        EXPECT_FALSE(heldElsewhere(partition())) << "nothing is held before an update";
+        ASSERT_EQ(0, env.updateValue("ubootenv.var.hdmimode", "720p60hz"));
+        EXPECT_TRUE(heldElsewhere(partition()));
+        ASSERT_EQ(0, env.updateValue("ubootenv.var.hdmimode", "720p60hz"));  // unchanged
+        EXPECT_TRUE(heldElsewhere(partition()));
+        {
+            Ubootenv::Transaction inner(env);
+            ASSERT_EQ(0, env.updateValue("ubootenv.var.is.bestmode", "false"));
+        }
+        EXPECT_TRUE(heldElsewhere(partition())) << "an inner scope leaves it to the outer one";
+    }
+    EXPECT_FALSE(heldElsewhere(partition()));
+    // Outside a scope an update holds it only while it runs.
+    ASSERT_EQ(0, env.updateValue("ubootenv.var.hdmimode", "1080p60hz"));
+    EXPECT_FALSE(heldElsewhere(partition()));
+    EXPECT_EQ(factoryWith({{"is.bestmode", "false"}}), stored());
+}
+
+// The lines of updates in a scope are those of updates made one by one, and an update that
+// changes nothing saves nothing.
+TEST_F(UbootenvTransactionScopeTest, UpdatesInAScopeLogAndSaveAsEachAlone) {
+    Ubootenv env;
+    takeEnvLog();
+    {
+        Ubootenv::Transaction transaction(env);
+        EXPECT_EQ(0, env.updateValue("ubootenv.var.custom_mode", "1,2"));
+        EXPECT_EQ(0, env.updateValue("ubootenv.var.custom_mode", "1,2"));
+        EXPECT_EQ(0, env.updateValue("ubootenv.var.hdmimode", "1080p60hz"));  // the factory's
+        EXPECT_EQ(0, env.updateValue("ubootenv.var.hdmimode", "999p60hz"));
+    }
+    const EnvLog saved = {kInfo, "updateValue",
+                          "[ubootenv] Save ubootenv to /dev/block/env succeed!\n"};
+    EXPECT_EQ((EnvLogs{updateLine("ubootenv.var.custom_mode", "1,2"), saved,
+                       updateLine("ubootenv.var.custom_mode", "1,2"),
+                       updateLine("ubootenv.var.hdmimode", "1080p60hz"),
+                       updateLine("ubootenv.var.hdmimode", "999p60hz"), saved}),
+              takeEnvLog());
+    EXPECT_EQ(factoryWith({{"custom_mode", "1,2"}, {"hdmimode", "999p60hz"}}), stored());
 }
 
 TEST_F(UbootenvTransactionScopeTest, ASaveMadeElsewhereIsCaughtUpAtTheScopesFirstLookUp) {
