@@ -38,6 +38,7 @@ PAIRS = {
         },
     },
     "vesk.hardware.veskdevicemanager-core": {"targets": ["vesk_service_core"]},
+    "vesk.hardware.veskdevicemanager-service-impl": {"targets": ["veskdevicemanager_aidl_impl"]},
     "vesk.hardware.veskdevicemanager@1.0-displaymode": {"targets": ["vesk_displaymode"]},
     "vesk.hardware.veskdevicemanager@1.0-log": {"targets": ["vesk_log"]},
     # A header-only library: CMake's file API (3.25) does not list INTERFACE targets, so the pair
