@@ -30,15 +30,17 @@ from pathlib import Path
 REPO = Path(__file__).resolve().parent.parent
 
 PAIRS = {
-    "vesk.hardware.veskdevicemanager@1.0-impl": {
-        "targets": ["veskdevicemanager_objects"],
-        "device_only": {
-            "default/platform/VeskPlatformDevice.cpp":
-                "the device's side of the platform seams; the host links host/platform",
-        },
-    },
+    "vesk.hardware.veskdevicemanager@1.0-impl": {"targets": ["veskdevicemanager_objects"]},
     "vesk.hardware.veskdevicemanager-core": {"targets": ["vesk_service_core"]},
     "vesk.hardware.veskdevicemanager-service-impl": {"targets": ["veskdevicemanager_aidl_impl"]},
+    "vesk.hardware.veskdevicemanager-service": {
+        "targets": ["veskdevicemanager_aidl_service"],
+        "device_only": {
+            "interface/veskdevicemanager/aidl/default/ServiceRegistrationDevice.cpp":
+                "the board's registration with the service manager; the host serves on a socket "
+                "(host/binder, vesk_service_registration_host)",
+        },
+    },
     "vesk.hardware.veskdevicemanager@1.0-displaymode": {"targets": ["vesk_displaymode"]},
     "vesk.hardware.veskdevicemanager@1.0-log": {"targets": ["vesk_log"]},
     # A header-only library: CMake's file API (3.25) does not list INTERFACE targets, so the pair
@@ -79,6 +81,9 @@ DEVICE_ONLY = {
         "headers gate compiles it with the NDK code of version 1",
     "vesk.hardware.veskdevicemanager@1.0-service":
         "the board's service host; on the host veskdm loads the -impl library itself",
+    "vesk.hardware.veskdevicemanager-platform":
+        "the device's side of the platform seams; the host links its own (host/platform) and "
+        "compiles this one alone (vesk_platform_device)",
 }
 
 TOKEN = re.compile(r'\s+|//[^\n]*|/\*.*?\*/|"(?:[^"\\]|\\.)*"|[{}\[\]:,=+]|[A-Za-z_][\w.@-]*'

@@ -1,0 +1,29 @@
+// The board's side of the service's registration: the service manager and the binder thread
+// pool.
+#include <android/binder_manager.h>
+#include <android/binder_process.h>
+#include <android/log.h>
+
+#include "ServiceRegistration.h"
+
+namespace vesk::platform {
+
+namespace {
+constexpr char kTag[] = "vesk.hardware.veskdevicemanager-service";
+}  // namespace
+
+int serveService(AIBinder* service, const char* instance, uint32_t threads) {
+    // The pool's threads besides the one that joins it below.
+    ABinderProcess_setThreadPoolMaxThreadCount(threads > 0 ? threads - 1 : 0);
+    ABinderProcess_startThreadPool();
+    binder_exception_t status = AServiceManager_addService(service, instance);
+    if (status != EX_NONE) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "cannot register %s: exception %d", instance,
+                            status);
+        return 1;
+    }
+    ABinderProcess_joinThreadPool();
+    return 1;  // the pool is never left
+}
+
+}  // namespace vesk::platform
