@@ -27,6 +27,13 @@ using Session = RpcConnection<IVeskDeviceManager>;
 
 class ServiceProcessTest : public RootTest {
   protected:
+    // A service still running stops as SIGTERM stops it: at once, with status 0 (a sanitizer
+    // that found something in it ends it with another, and its report is in its errors).
+    void TearDown() override {
+        if (service == nullptr || service->hasEnded()) return;
+        ChildEnd end = service->stop();
+        EXPECT_TRUE(end.exited && end.code == 0) << readFile(errorPath());
+    }
     ~ServiceProcessTest() override { service.reset(); }
 
     // Where the service listens: below the device root, as README says.
