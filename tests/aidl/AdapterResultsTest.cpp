@@ -7,39 +7,17 @@
 #include <unistd.h>
 
 #include <climits>
-#include <cstring>
 #include <string>
 #include <vector>
 
 #include "AdapterTest.h"
+#include "BoardRecordBytes.h"
 
 namespace vesk::test {
 namespace {
 
 using namespace ::aidl::vesk::hardware::veskdevicemanager;
 using ::ndk::ScopedAStatus;
-
-std::string le32(uint32_t v) {
-    std::string bytes(4, '\0');
-    for (int i = 0; i < 4; ++i) bytes[i] = static_cast<char>((v >> (8 * i)) & 0xff);
-    return bytes;
-}
-
-std::string floatBytes(float f) {
-    uint32_t bits;
-    memcpy(&bits, &f, 4);
-    return le32(bits);
-}
-
-// `text` at `offset` of a record of zero bytes, grown as needed.
-void putText(std::string& record, size_t offset, const std::string& text) {
-    if (record.size() < offset + text.size()) record.resize(offset + text.size());
-    record.replace(offset, text.size(), text);
-}
-
-std::string hexOf(const std::string& bytes) {
-    return vesk::sim::scriptHex(bytes);
-}
 
 std::vector<uint8_t> bytesOf(const std::string& text) {
     return std::vector<uint8_t>(text.begin(), text.end());
@@ -340,12 +318,7 @@ class DumpTest : public AdapterTest {
         EXPECT_EQ(STATUS_OK, AIBinder_dump(service->asBinder().get(), fd,
                                            const_cast<const char**>(args.data()),
                                            static_cast<uint32_t>(args.size())));
-        std::string text;
-        char buffer[4096];
-        ssize_t count;
-        for (off_t at = 0; (count = pread(fd, buffer, sizeof(buffer), at)) > 0; at += count) {
-            text.append(buffer, static_cast<size_t>(count));
-        }
+        std::string text = contentOf(fd);
         close(fd);
         return text;
     }
