@@ -8,31 +8,10 @@ using ::android::hardware::hidl_vec;
 
 V1_0::ProductInfo toHidl(const core::ProductInfo& info) {
     V1_0::ProductInfo out;
-    out.text01 = info.text01;
-    out.modelId = info.modelId;
-    out.text03 = info.text03;
-    out.text04 = info.text04;
-    out.text05 = info.text05;
-    out.text06 = info.text06;
-    out.text07 = info.text07;
-    out.text08 = info.text08;
-    out.text09 = info.text09;
-    out.text10 = info.text10;
-    out.text11 = info.text11;
-    out.text12 = info.text12;
-    out.text13 = info.text13;
-    out.text14 = info.text14;
-    out.text15 = info.text15;
-    out.text16 = info.text16;
-    out.text17 = info.text17;
-    out.text18 = info.text18;
-    out.text19 = info.text19;
-    out.text20 = info.text20;
-    out.text21 = info.text21;
-    out.flag1 = info.flag1;
-    out.flag2 = info.flag2;
-    out.flag3 = info.flag3;
-    out.useDHCP = info.useDHCP;
+#define VESK_COPY(name) out.name = info.name;
+    VESK_PRODUCT_INFO_TEXTS(VESK_COPY)
+    VESK_PRODUCT_INFO_SWITCHES(VESK_COPY)
+#undef VESK_COPY
     return out;
 }
 

@@ -6,7 +6,8 @@
  * own size check (BoardCount.h), and a serial read's signed count reaches the client as the
  * interface's uint32_t.
  *
- *   HidlForwarders.h                 the methods that hand the core's value back as it is
+ *   core/CoreValueMethods.h          the methods that hand the core's value back as it is (the
+ *                                    core's table; HidlParameters.h gives their HIDL types)
  *   VeskDeviceManager.cpp            construction, the factory, the forwarders, hwInvoke and
  *                                    hwRegistCallback
  *   VeskDeviceManagerResults.cpp     the methods with a result callback
@@ -17,8 +18,9 @@
 
 #include <vesk/hardware/veskdevicemanager/1.0/IVeskDeviceManager.h>
 
+#include "CoreValueMethods.h"
 #include "DeviceManagerCore.h"
-#include "HidlForwarders.h"
+#include "HidlParameters.h"
 
 namespace vesk::hardware::veskdevicemanager::implementation {
 
@@ -36,9 +38,23 @@ using ::vesk::hardware::veskdevicemanager::V1_0::VeskLogInfo;
 struct VeskDeviceManager : public IVeskDeviceManager {
     // Methods from ::vesk::hardware::veskdevicemanager::V1_0::IVeskDeviceManager follow: first
     // those that forward the core's value (slot order among themselves), then the rest.
-#define VESK_DECLARE_FORWARDER(Result, method, params, args) Return<Result> method params override;
-    VESK_HIDL_FORWARDERS(VESK_DECLARE_FORWARDER)
-#undef VESK_DECLARE_FORWARDER
+#define VESK_P(Kind) HidlParameter<core::kind::Kind>
+#define VESK_DECLARE0(R, method) Return<R> method() override;
+#define VESK_DECLARE1(R, method, K1, a1) Return<R> method(VESK_P(K1) a1) override;
+#define VESK_DECLARE2(R, method, K1, a1, K2, a2) \
+    Return<R> method(VESK_P(K1) a1, VESK_P(K2) a2) override;
+#define VESK_DECLARE3(R, method, K1, a1, K2, a2, K3, a3) \
+    Return<R> method(VESK_P(K1) a1, VESK_P(K2) a2, VESK_P(K3) a3) override;
+#define VESK_DECLARE4(R, method, K1, a1, K2, a2, K3, a3, K4, a4) \
+    Return<R> method(VESK_P(K1) a1, VESK_P(K2) a2, VESK_P(K3) a3, VESK_P(K4) a4) override;
+    VESK_CORE_VALUE_METHODS(VESK_DECLARE0, VESK_DECLARE1, VESK_DECLARE2, VESK_DECLARE3,
+                            VESK_DECLARE4)
+#undef VESK_DECLARE0
+#undef VESK_DECLARE1
+#undef VESK_DECLARE2
+#undef VESK_DECLARE3
+#undef VESK_DECLARE4
+#undef VESK_P
 
     Return<void> hwInvoke(const hidl_string& command, hwInvoke_cb _hidl_cb) override;
     Return<int32_t> hwRegistCallback(const sp<IVeskDeviceCallback>& callback) override;

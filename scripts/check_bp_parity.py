@@ -15,7 +15,9 @@ The CMake side is read from CMake's file API after configuring the tree into a s
 (a few seconds; nothing is built). Usage: check_bp_parity.py [--build-dir DIR] [--cmake CMAKE]
 
 To pair a new module: add an entry to PAIRS (module name -> CMake targets, and the sources that
-only one side has, each with the reason).
+only one side has, each with the reason; a host test's targets that it starts as programs rather
+than links, under "runs", with the reason; "android_tree" for a pair whose targets exist only in
+a build given an Android tree, which is not compared in a build without one).
 """
 import argparse
 import copy
@@ -30,14 +32,21 @@ from pathlib import Path
 REPO = Path(__file__).resolve().parent.parent
 
 PAIRS = {
-    "vesk.hardware.veskdevicemanager@1.0-impl": {
-        "targets": ["veskdevicemanager_objects"],
+    "vesk.hardware.veskdevicemanager@1.0-impl": {"targets": ["veskdevicemanager_objects"]},
+    "vesk.hardware.veskdevicemanager-core": {"targets": ["vesk_service_core"]},
+    "vesk.hardware.veskdevicemanager-service-impl": {
+        "targets": ["veskdevicemanager_aidl_impl"],
+        "android_tree": True,
+    },
+    "vesk.hardware.veskdevicemanager-service": {
+        "targets": ["veskdevicemanager_aidl_service"],
+        "android_tree": True,
         "device_only": {
-            "default/platform/VeskPlatformDevice.cpp":
-                "the device's side of the platform seams; the host links host/platform",
+            "interface/veskdevicemanager/aidl/default/ServiceRegistrationDevice.cpp":
+                "the board's registration with the service manager; the host serves on a socket "
+                "(host/binder, vesk_service_registration_host)",
         },
     },
-    "vesk.hardware.veskdevicemanager-core": {"targets": ["vesk_service_core"]},
     "vesk.hardware.veskdevicemanager@1.0-displaymode": {"targets": ["vesk_displaymode"]},
     "vesk.hardware.veskdevicemanager@1.0-log": {"targets": ["vesk_log"]},
     # A header-only library: CMake's file API (3.25) does not list INTERFACE targets, so the pair
@@ -47,6 +56,22 @@ PAIRS = {
         "headers_only": "default/platform",
     },
     "libvesksdk_headers": {"targets": ["vesksdk_headers"], "headers_only": "vesksdk/include"},
+    "VtsHalVeskDeviceManagerTargetTest": {
+        "targets": ["VtsHalVeskDeviceManagerTargetTest"],
+        "android_tree": True,
+        "device_only": {
+            "interface/veskdevicemanager/aidl/vts/ServiceUnderTestDevice.cpp":
+                "the board's getter: the service manager",
+        },
+        "host_only": {
+            "interface/veskdevicemanager/aidl/vts/ServiceUnderTestHost.cpp":
+                "the host's getter: the service program over the registration seam",
+        },
+        "runs": {
+            "veskdevicemanager_aidl_service":
+                "the host's getter starts the service program; on a board init has started it",
+        },
+    },
     "VtsHalVeskDeviceManagerV1_0TargetTest": {
         "targets": ["VtsHalVeskDeviceManagerV1_0TargetTest"],
         "device_only": {
@@ -78,6 +103,9 @@ DEVICE_ONLY = {
         "headers gate compiles it with the NDK code of version 1",
     "vesk.hardware.veskdevicemanager@1.0-service":
         "the board's service host; on the host veskdm loads the -impl library itself",
+    "vesk.hardware.veskdevicemanager-platform":
+        "the device's side of the platform seams; the host links its own (host/platform) and "
+        "compiles this one alone (vesk_platform_device)",
 }
 
 TOKEN = re.compile(r'\s+|//[^\n]*|/\*.*?\*/|"(?:[^"\\]|\\.)*"|[{}\[\]:,=+]|[A-Za-z_][\w.@-]*'
@@ -208,7 +236,7 @@ def compare(name, pair, module, targets, modules, problems):
             for include in group.get("includes", []):
                 host_includes.add(include["path"])
         # An INTERFACE library has no compile group: its own folders are in its interface.
-        host_deps |= target["dependencyNames"]
+        host_deps |= target["dependencyNames"] - set(pair.get("runs", {}))
     host_sources -= host_only
     for path in sorted(bp_sources - host_sources):
         problems.append(f"{name}: {path} is built on the device but not by {pair['targets']}")
@@ -237,10 +265,15 @@ def compare(name, pair, module, targets, modules, problems):
         problems.append(f"{name}: uses {target} on the host, not on the device")
 
 
+# A target every build given an Android tree has (the AIDL package's Java bindings).
+TREE_TARGET = "vesk_aidl_java"
+
+
 def check(targets, modules):
     problems = []
+    without_tree = TREE_TARGET not in targets
     for name, module in sorted(modules.items()):
-        if name in DEVICE_ONLY:
+        if name in DEVICE_ONLY or (without_tree and PAIRS.get(name, {}).get("android_tree")):
             continue
         if name not in PAIRS:
             problems.append(f"{name} ({module[0]}/Android.bp) has no CMake counterpart in "

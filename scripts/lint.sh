@@ -4,8 +4,9 @@
 #                            every Android.bp as bpfmt writes it, and the SELinux policy covers
 #                            every path, program and property the service uses on the board,
 #                            and every Android.bp module builds what its CMake target builds
-#   scripts/lint.sh --tidy   and clang-tidy (.clang-tidy) finds nothing in the service, the host
-#                            stand-ins, the simulated board and the tool (needs build/default)
+#   scripts/lint.sh --tidy   and clang-tidy (.clang-tidy) finds nothing in the service (both front
+#                            ends), the host stand-ins, the simulated board and the tool (needs
+#                            build/default; the AIDL service's sources where it has a tree)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -29,7 +30,14 @@ echo "Android.bp vs CMake: scripts/check_bp_parity.py"
 python3 scripts/check_bp_parity.py
 
 if [ "${1:-}" = "--tidy" ]; then
-    mapfile -t units < <(git ls-files 'default/*.cpp' 'host/*.cpp' 'vesksdk/*.cpp' 'tools/*.cpp')
+    # Only what the build compiles: without an Android tree there is no AIDL service.
+    mapfile -t units < <(git ls-files 'default/*.cpp' 'host/*.cpp' 'vesksdk/*.cpp' 'tools/*.cpp' \
+        'interface/veskdevicemanager/aidl/default/*.cpp' |
+        while read -r unit; do
+            if grep -qF "\"file\": \"$PWD/$unit\"" build/default/compile_commands.json; then
+                echo "$unit"
+            fi
+        done)
     echo "clang-tidy: ${#units[@]} files"
     printf '%s\n' "${units[@]}" |
         xargs -P "$(nproc)" -n 4 clang-tidy --quiet --warnings-as-errors='*' -p build/default

@@ -13,33 +13,24 @@
 
 namespace vesk::hardware::veskdevicemanager::core {
 
-// The board's product record: identity texts and switches.
+// The board's product record: identity texts and switches, the fields in the order of types.hal
+// (modelId: the product's model number, in decimal; useDHCP: whether the network is configured
+// by DHCP). The lists name them for the front ends' field-by-field conversions.
+// clang-format off
+#define VESK_PRODUCT_INFO_TEXTS(X)                                                              \
+    X(text01) X(modelId) X(text03) X(text04) X(text05) X(text06) X(text07) X(text08) X(text09) \
+    X(text10) X(text11) X(text12) X(text13) X(text14) X(text15) X(text16) X(text17) X(text18) \
+    X(text19) X(text20) X(text21)
+// clang-format on
+#define VESK_PRODUCT_INFO_SWITCHES(X) X(flag1) X(flag2) X(flag3) X(useDHCP)
+
 struct ProductInfo {
-    std::string text01;
-    std::string modelId;  // the product's model number, in decimal
-    std::string text03;
-    std::string text04;
-    std::string text05;
-    std::string text06;
-    std::string text07;
-    std::string text08;
-    std::string text09;
-    std::string text10;
-    std::string text11;
-    std::string text12;
-    std::string text13;
-    std::string text14;
-    std::string text15;
-    std::string text16;
-    std::string text17;
-    std::string text18;
-    std::string text19;
-    std::string text20;
-    std::string text21;
-    bool flag1 = false;
-    bool flag2 = false;
-    bool flag3 = false;
-    bool useDHCP = false;  // whether the network is configured by DHCP
+#define VESK_TEXT(name) std::string name;
+    VESK_PRODUCT_INFO_TEXTS(VESK_TEXT)
+#undef VESK_TEXT
+#define VESK_SWITCH(name) bool name = false;
+    VESK_PRODUCT_INFO_SWITCHES(VESK_SWITCH)
+#undef VESK_SWITCH
 };
 
 // The watchdog's configuration.

@@ -50,6 +50,27 @@ class ParityTest(unittest.TestCase):
         self.assertTrue(any(p.startswith(f"{DISPLAY}: include folder ") for p in problems),
                         problems)
 
+    def test_a_program_a_host_test_starts_is_no_library_of_it_only_when_declared(self):
+        vts = "VtsHalVeskDeviceManagerTargetTest"
+        runs = parity.PAIRS[vts].pop("runs")
+        try:
+            problems = parity.check(self.targets, self.modules)
+        finally:
+            parity.PAIRS[vts]["runs"] = runs
+        self.assertIn(f"{vts}: uses veskdevicemanager_aidl_service on the host, not on the device",
+                      problems)
+
+    def test_the_pairs_of_a_tree_are_left_alone_in_a_build_without_one(self):
+        tree_targets = {parity.TREE_TARGET} | {
+            target for pair in parity.PAIRS.values() if pair.get("android_tree")
+            for target in pair["targets"]}
+        without = {name: target for name, target in self.targets.items()
+                   if name not in tree_targets}
+        self.assertEqual([], parity.check(without, self.modules))
+        self.assertIn("vesk.hardware.veskdevicemanager-service-impl: CMake has no target "
+                      "veskdevicemanager_aidl_impl",
+                      parity.check({**without, parity.TREE_TARGET: {}}, self.modules))
+
     def test_an_unpaired_module_is_named(self):
         modules = copy.deepcopy(self.modules)
         modules["libnew"] = (Path("default"), "cc_library", {"name": "libnew"})

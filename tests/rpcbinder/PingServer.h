@@ -4,38 +4,17 @@
  */
 #pragma once
 
-#include <chrono>
-#include <memory>
 #include <string>
 
-#include "ChildProcess.h"
+#include "ServerProcess.h"
 
 namespace vesk::test {
 
-class PingServer {
+class PingServer : public ServerProcess {
   public:
-    // Starts ping_server on socketPath; listening() tells whether it came up.
-    explicit PingServer(const std::string& socketPath, int maxThreads = 4);
-    ~PingServer();
-    PingServer(const PingServer&) = delete;
-    PingServer& operator=(const PingServer&) = delete;
-
-    // It printed "listening on SOCKET".
-    bool listening() const { return mListening; }
-    // The first line it printed ("" if none came within the deadline).
-    const std::string& firstLine() const { return mFirstLine; }
-    // Its next line of standard output; "" at its end or past the deadline.
-    std::string nextLine(std::chrono::milliseconds deadline = std::chrono::seconds(30));
-    void kill() { mChild->kill(); }
-    // SIGTERM, then how it ended.
-    ChildEnd stop();
-
-  private:
-    std::unique_ptr<Child> mChild;
-    int mOutput = -1;
-    std::string mBuffered;
-    std::string mFirstLine;
-    bool mListening = false;
+    explicit PingServer(const std::string& socketPath, int maxThreads = 4)
+        : ServerProcess(VESK_BINARY_DIR "/bin/ping_server",
+                        {socketPath, std::to_string(maxThreads)}, "listening on " + socketPath) {}
 };
 
 }  // namespace vesk::test

@@ -18,6 +18,7 @@
 #include "ChildProcess.h"
 #include "PingServer.h"
 #include "PingService.h"  // first: <assert.h> before the binder headers
+#include "RpcConnection.h"
 #include "TestRoot.h"
 #include "vesk/rpc_binder_host.h"
 
@@ -34,26 +35,7 @@ using aidl::vesk::tests::IPing;
 constexpr int32_t kLargestPayload = 100000 - 84;
 
 // A session with a server and its IPing proxy.
-struct Connection {
-    explicit Connection(const std::string& path, uint32_t timeoutMs = 10000) {
-        result = vesk_rpc_session_connect(path.c_str(), 0, timeoutMs, &session);
-        message = vesk_rpc_last_error();
-        if (result == VESK_RPC_OK) {
-            ping = IPing::fromBinder(ndk::SpAIBinder(vesk_rpc_session_root(session)));
-        }
-    }
-    ~Connection() {
-        ping.reset();
-        vesk_rpc_session_close(session);
-    }
-    Connection(const Connection&) = delete;
-    Connection& operator=(const Connection&) = delete;
-
-    VeskRpcResult result = VESK_RPC_BAD_ARGUMENT;
-    std::string message;
-    VeskRpcSession* session = nullptr;
-    std::shared_ptr<IPing> ping;
-};
+using Connection = RpcConnection<IPing>;
 
 // IPing served by this process on a thread of its own.
 struct ServerHere {
@@ -129,11 +111,11 @@ TEST_F(RpcBinderTest, PingReturnsItsValueFromAnotherProcess) {
     ASSERT_EQ(VESK_RPC_OK, client.result) << client.message;
     for (int32_t value : {0, 1, -1, 42, INT32_MAX, INT32_MIN}) {
         int32_t result = 0;
-        ndk::ScopedAStatus status = client.ping->ping(value, &result);
+        ndk::ScopedAStatus status = client.proxy->ping(value, &result);
         ASSERT_TRUE(status.isOk()) << status.getDescription();
         EXPECT_EQ(value, result);
     }
-    EXPECT_TRUE(client.ping->pingEmpty().isOk());
+    EXPECT_TRUE(client.proxy->pingEmpty().isOk());
 }
 
 TEST_F(RpcBinderTest, ClientsInOtherProcessesAreServedAtOnce) {
@@ -146,7 +128,7 @@ TEST_F(RpcBinderTest, ClientsInOtherProcessesAreServedAtOnce) {
         clients.push_back(std::make_unique<OtherProcess>([this] {
             Connection client(socketPath);
             int32_t met = -1;
-            if (client.result != VESK_RPC_OK || !client.ping->meet(3, 60000, &met).isOk()) {
+            if (client.result != VESK_RPC_OK || !client.proxy->meet(3, 60000, &met).isOk()) {
                 return -1;
             }
             return met;
@@ -163,7 +145,7 @@ TEST_F(RpcBinderTest, OneClientsThreadsAreServedAtOnceUpToTheServersThreads) {
     std::vector<int32_t> met(3, -1);
     std::vector<std::thread> threads;
     for (int32_t& result : met) {
-        threads.emplace_back([&client, &result] { (void)client.ping->meet(3, 60000, &result); });
+        threads.emplace_back([&client, &result] { (void)client.proxy->meet(3, 60000, &result); });
     }
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(std::vector<int32_t>(3, 3), met);
@@ -175,14 +157,14 @@ TEST_F(RpcBinderTest, AServerKilledMidCallGivesDeadObject) {
     Connection client(socketPath);
     ASSERT_EQ(VESK_RPC_OK, client.result) << client.message;
     binder_status_t inFlight = STATUS_OK;
-    std::thread call([&] { inFlight = client.ping->waitFor(600000).getStatus(); });
+    std::thread call([&] { inFlight = client.proxy->waitFor(600000).getStatus(); });
     ASSERT_EQ("waiting", server.nextLine());
     server.kill();
     call.join();
     EXPECT_EQ(STATUS_DEAD_OBJECT, inFlight);
     int32_t result = 0;
-    EXPECT_EQ(STATUS_DEAD_OBJECT, client.ping->ping(1, &result).getStatus());
-    EXPECT_FALSE(AIBinder_isAlive(client.ping->asBinder().get()));
+    EXPECT_EQ(STATUS_DEAD_OBJECT, client.proxy->ping(1, &result).getStatus());
+    EXPECT_FALSE(AIBinder_isAlive(client.proxy->asBinder().get()));
 }
 
 TEST_F(RpcBinderTest, AServerKilledBetweenCallsGivesDeadObject) {
@@ -190,9 +172,9 @@ TEST_F(RpcBinderTest, AServerKilledBetweenCallsGivesDeadObject) {
     ASSERT_TRUE(server.listening()) << server.firstLine();
     Connection client(socketPath);
     ASSERT_EQ(VESK_RPC_OK, client.result) << client.message;
-    ASSERT_TRUE(client.ping->pingEmpty().isOk());
+    ASSERT_TRUE(client.proxy->pingEmpty().isOk());
     server.kill();
-    EXPECT_EQ(STATUS_DEAD_OBJECT, client.ping->pingEmpty().getStatus());
+    EXPECT_EQ(STATUS_DEAD_OBJECT, client.proxy->pingEmpty().getStatus());
 }
 
 TEST_F(RpcBinderTest, NoSocketAtThePathIsNamed) {
@@ -224,12 +206,12 @@ TEST_F(RpcBinderTest, TheSocketOfAKilledServerIsNamedAndANewServerTakesIt) {
     ASSERT_TRUE(server.listening()) << server.firstLine();
     Connection client(socketPath);
     ASSERT_EQ(VESK_RPC_OK, client.result) << client.message;
-    EXPECT_TRUE(client.ping->pingEmpty().isOk());
+    EXPECT_TRUE(client.proxy->pingEmpty().isOk());
 }
 
 TEST_F(RpcBinderTest, ASocketThatNeverAcceptsTimesOut) {
     Listener listener(socketPath);
-    Connection client(socketPath, 300);
+    Connection client(socketPath, 0, 300);
     EXPECT_EQ(VESK_RPC_TIMEOUT, client.result);
     EXPECT_EQ("no answer from " + socketPath + " within 300 ms", client.message);
 }
@@ -237,7 +219,7 @@ TEST_F(RpcBinderTest, ASocketThatNeverAcceptsTimesOut) {
 TEST_F(RpcBinderTest, ASocketThatAcceptsAndSaysNothingTimesOut) {
     Listener listener(socketPath);
     listener.acceptAndSayNothing();
-    Connection client(socketPath, 300);
+    Connection client(socketPath, 0, 300);
     EXPECT_EQ(VESK_RPC_TIMEOUT, client.result);
     EXPECT_EQ("no answer from " + socketPath + " within 300 ms", client.message);
 }
@@ -258,18 +240,18 @@ TEST_F(RpcBinderTest, APayloadAtTheLimitIsCarriedAndOnePastItEndsOnlyThatSession
     ASSERT_EQ(VESK_RPC_OK, client.result) << client.message;
     int32_t count = 0;
     ndk::ScopedAStatus status =
-            client.ping->byteCount(std::vector<uint8_t>(kLargestPayload, 0x5a), &count);
+            client.proxy->byteCount(std::vector<uint8_t>(kLargestPayload, 0x5a), &count);
     ASSERT_TRUE(status.isOk()) << status.getDescription();
     EXPECT_EQ(kLargestPayload, count);
 
     // One byte more is four on the wire (padding): past the limit.
-    status = client.ping->byteCount(std::vector<uint8_t>(kLargestPayload + 1, 0x5a), &count);
+    status = client.proxy->byteCount(std::vector<uint8_t>(kLargestPayload + 1, 0x5a), &count);
     EXPECT_FALSE(status.isOk());
-    EXPECT_EQ(STATUS_DEAD_OBJECT, client.ping->pingEmpty().getStatus());
+    EXPECT_EQ(STATUS_DEAD_OBJECT, client.proxy->pingEmpty().getStatus());
 
     Connection next(socketPath);
     ASSERT_EQ(VESK_RPC_OK, next.result) << next.message;
-    EXPECT_TRUE(next.ping->pingEmpty().isOk());
+    EXPECT_TRUE(next.proxy->pingEmpty().isOk());
 }
 
 TEST_F(RpcBinderTest, AClientKilledMidCallCostsTheServerNothing) {
@@ -278,7 +260,7 @@ TEST_F(RpcBinderTest, AClientKilledMidCallCostsTheServerNothing) {
     Child client([this] {
         Connection connection(socketPath);
         if (connection.result != VESK_RPC_OK) return 1;
-        (void)connection.ping->waitFor(600000);
+        (void)connection.proxy->waitFor(600000);
         return 0;
     });
     ASSERT_EQ("waiting", server.nextLine());
@@ -288,7 +270,7 @@ TEST_F(RpcBinderTest, AClientKilledMidCallCostsTheServerNothing) {
     Connection next(socketPath);
     ASSERT_EQ(VESK_RPC_OK, next.result) << next.message;
     int32_t result = 0;
-    EXPECT_TRUE(next.ping->ping(7, &result).isOk());
+    EXPECT_TRUE(next.proxy->ping(7, &result).isOk());
     EXPECT_EQ(7, result);
 }
 
@@ -298,7 +280,7 @@ TEST_F(RpcBinderTest, AStoppedServerEndsCleanlyAndRemovesItsSocket) {
     {
         Connection client(socketPath);
         ASSERT_EQ(VESK_RPC_OK, client.result) << client.message;
-        EXPECT_TRUE(client.ping->pingEmpty().isOk());
+        EXPECT_TRUE(client.proxy->pingEmpty().isOk());
     }
     Connection stillOpen(socketPath);
     ASSERT_EQ(VESK_RPC_OK, stillOpen.result) << stillOpen.message;
@@ -306,7 +288,7 @@ TEST_F(RpcBinderTest, AStoppedServerEndsCleanlyAndRemovesItsSocket) {
     EXPECT_TRUE(end.exited);
     EXPECT_EQ(0, end.code);
     EXPECT_FALSE(exists(socketPath));
-    EXPECT_EQ(STATUS_DEAD_OBJECT, stillOpen.ping->pingEmpty().getStatus());
+    EXPECT_EQ(STATUS_DEAD_OBJECT, stillOpen.proxy->pingEmpty().getStatus());
 }
 
 TEST_F(RpcBinderTest, ASecondServerOnThePathIsRefused) {
@@ -317,7 +299,7 @@ TEST_F(RpcBinderTest, ASecondServerOnThePathIsRefused) {
     EXPECT_EQ("another server serves " + socketPath, second.message);
     Connection client(socketPath);
     ASSERT_EQ(VESK_RPC_OK, client.result) << client.message;
-    EXPECT_TRUE(client.ping->pingEmpty().isOk());
+    EXPECT_TRUE(client.proxy->pingEmpty().isOk());
 }
 
 TEST_F(RpcBinderTest, AServerLeavesAFileAtItsPathAlone) {
@@ -387,7 +369,7 @@ TEST_F(RpcBinderTest, ThePlatformsLogGoesToTheLoggerGiven) {
         Connection client(socketPath);
         ASSERT_EQ(VESK_RPC_OK, client.result) << client.message;
         int32_t count = 0;
-        (void)client.ping->byteCount(std::vector<uint8_t>(kLargestPayload + 1), &count);
+        (void)client.proxy->byteCount(std::vector<uint8_t>(kLargestPayload + 1), &count);
     }
     vesk_rpc_set_platform_logger(nullptr);
     std::lock_guard<std::mutex> lock(platformLogMutex);

@@ -41,12 +41,7 @@ class DebugTest : public ServiceTest {
         for (size_t i = 0; i < options.size(); ++i) words[i] = options[i];
         EXPECT_TRUE(service->debug(hidl_handle(handle), words).isOk());
         native_handle_delete(handle);
-        std::string text;
-        char buffer[4096];
-        ssize_t count;
-        for (off_t at = 0; (count = pread(fd, buffer, sizeof(buffer), at)) > 0; at += count) {
-            text.append(buffer, static_cast<size_t>(count));
-        }
+        std::string text = contentOf(fd);
         close(fd);
         return text;
     }

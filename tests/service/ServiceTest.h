@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 #include <vesksdk_sim_control.h>
 
+#include "BoardRecordBytes.h"
 #include "BoardReset.h"
 #include "ProductRecordCache.h"
 #include "TestRoot.h"
@@ -24,17 +25,6 @@ using ::android::hardware::hidl_string;
 using ::android::hardware::hidl_vec;
 using ::vesk::hardware::veskdevicemanager::V1_0::IVeskDeviceManager;
 using json = nlohmann::json;
-
-// Bytes as the script's "out" hex text.
-inline std::string hexOf(const std::string& bytes) {
-    return vesk::sim::scriptHex(bytes);
-}
-
-// Places `text` at `offset` of a record of `size` zero bytes (grown as needed).
-inline void putText(std::string& record, size_t offset, const std::string& text) {
-    if (record.size() < offset + text.size()) record.resize(offset + text.size());
-    record.replace(offset, text.size(), text);
-}
 
 using ::vesk::hardware::veskdevicemanager::implementation::traceLine;
 

@@ -1,5 +1,4 @@
 // System records: watchdog, processes, USB list, CPU, interface version, RTC times, log daemon.
-#include <cstring>
 
 #include "ServiceTest.h"
 
@@ -7,18 +6,6 @@ namespace vesk::test {
 namespace {
 
 using namespace vesk::hardware::veskdevicemanager::V1_0;
-
-std::string le32(uint32_t v) {
-    std::string bytes(4, '\0');
-    for (int i = 0; i < 4; ++i) bytes[i] = static_cast<char>((v >> (8 * i)) & 0xff);
-    return bytes;
-}
-
-std::string floatBytes(float f) {
-    uint32_t bits;
-    memcpy(&bits, &f, 4);
-    return le32(bits);
-}
 
 using SystemRecordsTest = ServiceTest;
 

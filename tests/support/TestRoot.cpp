@@ -5,6 +5,7 @@
 #include <stdlib.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <fstream>
 #include <sstream>
@@ -81,6 +82,16 @@ std::string readFile(const std::string& path) {
     std::stringstream content;
     content << in.rdbuf();
     return content.str();
+}
+
+std::string contentOf(int fd) {
+    std::string text;
+    char buffer[4096];
+    ssize_t count;
+    for (off_t at = 0; (count = pread(fd, buffer, sizeof(buffer), at)) > 0; at += count) {
+        text.append(buffer, static_cast<size_t>(count));
+    }
+    return text;
 }
 
 void writeFile(const std::string& path, const std::string& content) {

@@ -52,6 +52,8 @@ std::string getProperty(const std::string& name);
 std::string runCommand(const std::string& commandLine, int* status = nullptr);
 
 std::string readFile(const std::string& path);
+// The whole content of an open file, from its start (its offset is left as it was).
+std::string contentOf(int fd);
 void writeFile(const std::string& path, const std::string& content);
 
 // Log lines as {priority, tag, message}; printable by gtest.

@@ -39,5 +39,9 @@ inline constexpr char kPropertyStore[] = "/data/property/store";
 inline constexpr char kBoardStateDir[] = "/data/vesksdk";
 inline constexpr char kShellLog[] = "/data/shell/invocations.log";
 inline constexpr char kDisplayMode[] = "/sys/class/display/mode";
+// The stable-AIDL service's socket: where a board has the service manager, the host service
+// serves its object over RPC binder here.
+inline constexpr char kServiceSocketFolder[] = "/dev/socket";
+inline constexpr char kServiceSocket[] = "/dev/socket/veskdevicemanager";
 
 }  // namespace vesk::host

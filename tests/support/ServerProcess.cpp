@@ -1,25 +1,31 @@
-#include "PingServer.h"
+#include "ServerProcess.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
+#include <stdlib.h>
 #include <unistd.h>
-
-#include <vector>
 
 #include "BuiltProgram.h"
 
 namespace vesk::test {
 
-PingServer::PingServer(const std::string& socketPath, int maxThreads) {
+ServerProcess::ServerProcess(const std::string& program, const std::vector<std::string>& arguments,
+                             const std::string& readyLine, const std::string& errorFile,
+                             const Environment& environment) {
     int fds[2];
     if (pipe(fds) != 0) return;
-    std::vector<std::string> words = builtProgramArgv(VESK_BINARY_DIR "/bin/ping_server");
-    words.push_back(socketPath);
-    words.push_back(std::to_string(maxThreads));
+    std::vector<std::string> words = builtProgramArgv(program);
+    words.insert(words.end(), arguments.begin(), arguments.end());
     mChild = std::make_unique<Child>([&] {
         dup2(fds[1], STDOUT_FILENO);
         close(fds[0]);
         close(fds[1]);
+        if (!errorFile.empty()) {
+            int error = open(errorFile.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
+            if (error < 0 || dup2(error, STDERR_FILENO) < 0) return 126;
+        }
+        for (const auto& [name, value] : environment) setenv(name.c_str(), value.c_str(), 1);
         std::vector<char*> argv;
         for (std::string& word : words) argv.push_back(word.data());
         argv.push_back(nullptr);
@@ -29,15 +35,15 @@ PingServer::PingServer(const std::string& socketPath, int maxThreads) {
     close(fds[1]);
     mOutput = fds[0];
     mFirstLine = nextLine();
-    mListening = mFirstLine == "listening on " + socketPath;
+    mListening = mFirstLine == readyLine;
 }
 
-PingServer::~PingServer() {
+ServerProcess::~ServerProcess() {
     mChild.reset();
     if (mOutput >= 0) close(mOutput);
 }
 
-std::string PingServer::nextLine(std::chrono::milliseconds deadline) {
+std::string ServerProcess::nextLine(std::chrono::milliseconds deadline) {
     auto end = std::chrono::steady_clock::now() + deadline;
     size_t newline;
     while ((newline = mBuffered.find('\n')) == std::string::npos) {
@@ -57,8 +63,8 @@ std::string PingServer::nextLine(std::chrono::milliseconds deadline) {
     return line;
 }
 
-ChildEnd PingServer::stop() {
-    ::kill(mChild->pid(), SIGTERM);
+ChildEnd ServerProcess::stop(int signal) {
+    ::kill(mChild->pid(), signal);
     return mChild->wait();
 }
 
