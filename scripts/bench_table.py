@@ -3,8 +3,10 @@
 
 First the work that waits for the disk, timed run by run (bench/SyncSamples.h): CPU and wall
 time, median and 99th percentile. Then the ratios against the anchors measured in the same run:
-libubootenv for the environment store, libxcvt for the CVT calculator, and for the output-mode
-flows the sum of their parts.
+libubootenv for the environment store, libxcvt for the CVT calculator, for the output-mode
+flows the sum of their parts, and for a call of the stable-AIDL service over the platform's
+binder an empty call of a minimal interface (its in-process work taken off) and the same call in
+process.
 
     bench_table.py REPORT.json...
 """
@@ -115,6 +117,18 @@ def ratio_rows(figures):
         add("CVT reduced blanking, CPU", figures.median("BM_CalculateCvtReducedBlanking",
                                                         "cpu_time"),
             figures.median("BM_LibxcvtGenModeInfoReduced", "cpu_time"), "libxcvt", "-", ns)
+    # A call of the stable-AIDL service from another process: what this project adds to a call
+    # over binder (the call less the same call in-process) against the floor, an empty IPing call.
+    get = "BM_AidlGetSysLedStateAgainstFloor"
+    if figures.has(get, "aidl_real"):
+        add("AIDL getSysLedState over RPC binder less the in-process call, wall median",
+            figures.counter(get, "aidl_real") - figures.counter(get, "hidl_real"),
+            figures.counter(get, "floor_real"), "IPing empty call", "<= 1.20x")
+    set_led = "BM_AidlSetSysLedStateAgainstFloor"
+    if figures.has(set_led, "aidl_real"):
+        add("AIDL setSysLedState over RPC binder (a board save each), wall median",
+            figures.counter(set_led, "aidl_real"), figures.counter(set_led, "hidl_real"),
+            "in-process HIDL call", "about 1.0x")
     if figures.has("BM_PropertyGetOfASetProperty") and figures.has(
             "BM_PropertyGetOfAnUnsetProperty"):
         rows.append(["property_get of a set / unset property, CPU",

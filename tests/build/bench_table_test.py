@@ -85,7 +85,15 @@ class BenchTableTest(unittest.TestCase):
         service = self.report("service_bench", [
             run("BM_PropertyGetOfASetProperty", 39), run("BM_PropertyGetOfAnUnsetProperty", 23),
         ])
-        return ubootenv, flows, timing, service
+        binder = self.report("binder_bench", [
+            run("BM_AidlGetSysLedStateAgainstFloor/iterations:5000/repeats:1", 1,
+                **samples("aidl", 12, 20, 35, 60), **samples("floor", 8, 12, 16, 24),
+                **samples("hidl", 20, 30, 21, 31)),
+            run("BM_AidlSetSysLedStateAgainstFloor/iterations:2000/repeats:1", 1,
+                **samples("aidl", 15, 40, 560, 700), **samples("floor", 8, 12, 16, 24),
+                **samples("hidl", 250, 320, 580, 680)),
+        ])
+        return ubootenv, flows, timing, service, binder
 
     def test_ratios_against_the_anchors(self):
         text = self.tables(*self.reports())
@@ -103,6 +111,13 @@ class BenchTableTest(unittest.TestCase):
         self.assertEqual(["CVT reduced blanking, CPU", "24.0 ns", "libxcvt 30.0 ns", "0.80x", "-"],
                          self.row(text, "CVT reduced blanking"))
         self.assertEqual("39.0 ns / 23.0 ns", self.row(text, "property_get")[1])
+        # (35 - 21) us of the service's own against the 16 us floor; 560 against 580 us.
+        self.assertEqual(["AIDL getSysLedState over RPC binder less the in-process call, "
+                          "wall median", "14.0 us", "IPing empty call 16.0 us", "0.88x", "<= 1.20x"],
+                         self.row(text, "AIDL getSysLedState"))
+        self.assertEqual(["AIDL setSysLedState over RPC binder (a board save each), wall median",
+                          "560.0 us", "in-process HIDL call 580.0 us", "0.97x", "about 1.0x"],
+                         self.row(text, "AIDL setSysLedState"))
 
     def test_work_that_syncs_has_median_and_p99_of_cpu_and_wall(self):
         text = self.tables(*self.reports())
@@ -118,9 +133,10 @@ class BenchTableTest(unittest.TestCase):
         self.assertTrue(text.splitlines()[-1].startswith("| property_get"), text)
 
     def test_a_missing_anchor_leaves_its_row_out(self):
-        ubootenv, flows, _, _ = self.reports()
+        ubootenv, flows, _, _, _ = self.reports()
         text = self.tables(ubootenv, flows)
         self.assertNotIn("CVT reduced blanking", text)
+        self.assertNotIn("AIDL", text)
         self.assertIn("environment load", text)
 
 
