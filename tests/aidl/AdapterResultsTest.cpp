@@ -2,7 +2,6 @@
 // that only come through if each field is carried to its own place, with the same bits for the
 // HIDL interface's unsigned types), the shapes of several results, the two generic entry points
 // and dumpsys.
-#include <aidl/vesk/hardware/veskdevicemanager/BnVeskDeviceCallback.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -12,6 +11,7 @@
 
 #include "AdapterTest.h"
 #include "BoardRecordBytes.h"
+#include "CountingReceiver.h"
 
 namespace vesk::test {
 namespace {
@@ -282,15 +282,6 @@ TEST_F(AdapterTest, HwInvokeAnswersNullForAnyCommand) {
     EXPECT_THAT(vesk::sim::journal(), ::testing::IsEmpty());
 }
 
-class Receiver : public BnVeskDeviceCallback {
-  public:
-    ::ndk::ScopedAStatus hwNotify(const MessageParcel& /* parcel */) override {
-        ++notifications;
-        return ::ndk::ScopedAStatus::ok();
-    }
-    int notifications = 0;
-};
-
 // A registration answers 0, for a null callback too, and the front end keeps no reference: the
 // callback's binder has as many strong references after the call as before.
 TEST_F(AdapterTest, HwRegistCallbackAnswersZeroAndKeepsNothing) {
@@ -298,7 +289,7 @@ TEST_F(AdapterTest, HwRegistCallbackAnswersZeroAndKeepsNothing) {
     ASSERT_TRUE(service->hwRegistCallback(nullptr, &ret).isOk());
     EXPECT_EQ(0, ret);
 
-    auto receiver = ndk::SharedRefBase::make<Receiver>();
+    auto receiver = ndk::SharedRefBase::make<CountingReceiver>();
     ndk::SpAIBinder binder = receiver->asBinder();
     int32_t before = AIBinder_debugGetRefCount(binder.get());
     long owners = receiver.use_count();

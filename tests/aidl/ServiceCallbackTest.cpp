@@ -1,7 +1,6 @@
 // IVeskDeviceCallback across the boundary: a client process registers a receiver of its own, the
 // service answers 0 and keeps no reference to it (no notification is ever sent, so none is
 // needed), and that client killed with SIGKILL costs the service and its other clients nothing.
-#include <aidl/vesk/hardware/veskdevicemanager/BnVeskDeviceCallback.h>
 #include <signal.h>
 #include <unistd.h>
 
@@ -9,22 +8,11 @@
 #include <string>
 #include <thread>
 
+#include "CountingReceiver.h"
 #include "ServiceProcessFixture.h"
 
 namespace vesk::test {
 namespace {
-
-using ::aidl::vesk::hardware::veskdevicemanager::BnVeskDeviceCallback;
-using ::aidl::vesk::hardware::veskdevicemanager::MessageParcel;
-
-class Receiver : public BnVeskDeviceCallback {
-  public:
-    ndk::ScopedAStatus hwNotify(const MessageParcel& /* parcel */) override {
-        ++notifications;
-        return ndk::ScopedAStatus::ok();
-    }
-    std::atomic<int> notifications{0};
-};
 
 // What the registering client tells the test, one byte, before it waits to be killed.
 enum Outcome : char {
@@ -41,7 +29,7 @@ enum Outcome : char {
 Outcome registerAndWatch(const std::string& socketPath) {
     Session session(socketPath, 1);
     if (session.result != VESK_RPC_OK) return kNoSession;
-    auto receiver = ndk::SharedRefBase::make<Receiver>();
+    auto receiver = ndk::SharedRefBase::make<CountingReceiver>();
     ndk::SpAIBinder binder = receiver->asBinder();
     const int32_t before = AIBinder_debugGetRefCount(binder.get());
     int32_t ret = -1;

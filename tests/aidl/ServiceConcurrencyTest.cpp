@@ -45,11 +45,11 @@ const Switch kSwitches[kClients] = {
 // mode back, the other even calls set the client's switch to (k / 2 + c) modulo its states and
 // the odd ones read it. So each client makes 20 mode requests, 20 read-backs, 80 sets and 80
 // reads, and its last set is at k = 198.
-enum class Call { kMode, kReadMode, kSet, kGet };
-Call callAt(int k) {
-    if (k % 10 == 9) return Call::kMode;
-    if (k % 10 == 4) return Call::kReadMode;
-    return k % 2 == 0 ? Call::kSet : Call::kGet;
+enum class MixedCall { kMode, kReadMode, kSet, kGet };
+MixedCall callAt(int k) {
+    if (k % 10 == 9) return MixedCall::kMode;
+    if (k % 10 == 4) return MixedCall::kReadMode;
+    return k % 2 == 0 ? MixedCall::kSet : MixedCall::kGet;
 }
 int32_t valueAt(int client, int k) {
     return (k / 2 + client) % kSwitches[client].states;
@@ -76,18 +76,18 @@ int runClient(const std::string& socketPath, int client) {
         int32_t value = -1;
         VeskEffeResolution mode;
         switch (callAt(k)) {
-            case Call::kMode:
+            case MixedCall::kMode:
                 wrong += !manager.calculateResolutionParameters(1920, 1080, 60, &mode).isOk() ||
                          !isFullHd(mode);
                 break;
-            case Call::kReadMode:
+            case MixedCall::kReadMode:
                 wrong += !manager.getResolutionParameters(&mode).isOk() || !isFullHd(mode);
                 break;
-            case Call::kSet:
+            case MixedCall::kSet:
                 lastSet = valueAt(client, k);
                 wrong += !(manager.*own.set)(lastSet, &value).isOk() || value != 0;
                 break;
-            case Call::kGet:
+            case MixedCall::kGet:
                 wrong += !(manager.*own.get)(&value).isOk() || value != lastSet;
                 break;
         }
@@ -133,7 +133,7 @@ TEST_F(ServiceProcessTest, EightClientsAtOnceLeaveTheStateTheirCallsMakeOneByOne
         }
         std::vector<int32_t> expected;
         for (int k = 0; k < kCalls; ++k) {
-            if (callAt(k) == Call::kSet) expected.push_back(valueAt(client, k));
+            if (callAt(k) == MixedCall::kSet) expected.push_back(valueAt(client, k));
         }
         ASSERT_EQ(static_cast<size_t>(kSetsEach), expected.size());
         EXPECT_EQ(expected, sets) << kSwitches[client].boardSet;
