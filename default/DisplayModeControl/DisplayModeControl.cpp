@@ -155,6 +155,18 @@ int DisplayModeControl::setHDMIOutputMode() {
     vesk::log::info(kControlTag, "%s\n", mode);
     // The mode tool runs before the new mode is stored, as the boot flow expects.
     vesk::platform::runCommand(vesk::platform::kSelectCustomModeCommand);
+    if (storeOutputMode(mode, timing) != 1) return -2;
+    std::string applied = std::to_string(timing.h_active) + "x" + std::to_string(timing.v_active) +
+                          "@" + std::to_string(timing.v_freq);
+    property_set("persist.vesk.custom.mode", applied.c_str());
+    vesk::log::info(kControlTag, "setHDMIOutputMode success\n");
+    return 1;
+}
+
+int DisplayModeControl::storeOutputMode(const char* mode, const timing_t& timing) {
+    // One transaction of the environment: no other process sees the new mode with the selection
+    // of before, and a write after the first that changes nothing is a look-up in memory.
+    Ubootenv::Transaction transaction(*env);
     // Written three times, whatever each outcome.
     for (int i = 0; i < 3; ++i) {
         if (env->updateValue(kCustomModeVar, mode) == 0) {
@@ -176,10 +188,6 @@ int DisplayModeControl::setHDMIOutputMode() {
         return -2;
     }
     vesk::log::info(kControlTag, "updateValue ubootenv.var.hdmimode successful\n");
-    std::string applied = std::to_string(timing.h_active) + "x" + std::to_string(timing.v_active) +
-                          "@" + std::to_string(timing.v_freq);
-    property_set("persist.vesk.custom.mode", applied.c_str());
-    vesk::log::info(kControlTag, "setHDMIOutputMode success\n");
     return 1;
 }
 

@@ -51,6 +51,10 @@ class DisplayModeControl {
                const std::string& delimiters);
 
   private:
+    // Stores the custom mode (three times), reads it back and selects it for the boot loader, as
+    // one transaction of the environment: 1, or -2 at the first failure seen.
+    int storeOutputMode(const char* mode, const timing_t& timing);
+
     std::vector<allow_list_t> allowList;
     std::unique_ptr<Ubootenv> env;
     std::unique_ptr<VideoTimingCaculator> calculator;

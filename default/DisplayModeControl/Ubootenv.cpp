@@ -207,6 +207,17 @@ bool Ubootenv::beginTransaction() {
 void Ubootenv::endTransaction() {
     if (transactionFd >= 0) close(transactionFd);  // releases the lock
     transactionFd = -1;
+    listIsCurrent = false;
+}
+
+Ubootenv::Transaction::Transaction(Ubootenv& env) : mEnv(env) {
+    MutexGuard guard(&mEnv.lock);
+    ++mEnv.transactionScopes;
+}
+
+Ubootenv::Transaction::~Transaction() {
+    MutexGuard guard(&mEnv.lock);
+    if (--mEnv.transactionScopes == 0) mEnv.endTransaction();
 }
 
 bool Ubootenv::readCrcWords(uint32_t words[2]) const {
@@ -540,14 +551,18 @@ int Ubootenv::updateValue(const char* name, const char* value) {
         return -8;
     }
 
-    // Other processes save the same partition: from here to the last save it is ours alone,
-    // and the list is first brought up to what they saved.
-    bool held = beginTransaction();
+    // Other processes save the same partition: from here to the last save (inside a Transaction,
+    // to its end) it is ours alone, and the list is first brought up to what they saved. Once
+    // caught up, a partition still held has changed only by our own saves.
+    bool held = transactionFd >= 0 || beginTransaction();
     struct TransactionEnd {
         Ubootenv* env;
-        ~TransactionEnd() { env->endTransaction(); }
+        ~TransactionEnd() {
+            if (env->transactionScopes == 0) env->endTransaction();
+        }
     } transactionEnd{this};
-    if ((held && !catchUp()) || (!held && !lastLoadGood)) {
+    if (held && !listIsCurrent) listIsCurrent = catchUp();
+    if ((held && !listIsCurrent) || (!held && !lastLoadGood)) {
         ENV_LOGE("[ubootenv] %s could not be read: not writing over it\n", deviceName());
         return -1;
     }

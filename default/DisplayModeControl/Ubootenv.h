@@ -77,6 +77,22 @@ class Ubootenv {
     // Writes the list into the data area: 0; -1 when it would not fit (the area is untouched).
     int formatAttribute();
 
+    // While it lives, the object's updates are one transaction with other processes: the
+    // partition is held alone from the first update's look-up to the end of the scope, so that
+    // no other process sees some of them without the others, and an update that changes
+    // nothing is a look-up in memory. Outside such a scope each update is a transaction of its
+    // own. Scopes may nest; the outermost one ends the transaction.
+    class Transaction {
+      public:
+        explicit Transaction(Ubootenv& env);
+        ~Transaction();
+        Transaction(const Transaction&) = delete;
+        Transaction& operator=(const Transaction&) = delete;
+
+      private:
+        Ubootenv& mEnv;
+    };
+
     char devicePath[32];      // the chosen device ("/dev/block/env"); empty when none exists
     uint32_t partitionSize;   // bytes of one copy: CRC word and data area
     uint32_t dataSize;        // bytes of the data area covered by the CRC
@@ -101,8 +117,9 @@ class Ubootenv {
     void freeAttributes();
 
     // The update's transaction with other processes: the partition held alone (flock) from the
-    // look-up of the stored value to the end of the last save attempt. Reads and saves inside
-    // it use the held descriptor (a second descriptor's flock would wait on our own).
+    // look-up of the stored value to the end of the last save attempt, or of the enclosing
+    // Transaction. Reads and saves inside it use the held descriptor (a second descriptor's
+    // flock would wait on our own).
     bool beginTransaction();
     void endTransaction();
     int partitionFd(int flags) const;
@@ -120,6 +137,10 @@ class Ubootenv {
     std::string explicitDevice;  // as given to the explicit-device constructor
     bool hasExplicitDevice = false;
     int transactionFd = -1;
+    int transactionScopes = 0;  // Transaction objects alive
+    // Since the partition was taken, the list was caught up with it and only this object saved:
+    // a look-up needs no read.
+    bool listIsCurrent = false;
     bool lastLoadGood = false;                                 // the last load read a copy
     uint32_t loadedCrcWords[2] = {0, 0};                       // both copies' CRC words then
     std::vector<std::pair<std::string, std::string>> pending;  // set since, not yet saved

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <thread>
 
@@ -202,6 +203,29 @@ TEST_F(BoardTest, ProductFileMissingAKeyReadsItsFactoryValueEachTime) {
         EXPECT_STREQ("true", record + 2016);
         EXPECT_EQ(partial, readFile(file));
     }
+}
+
+// Without a product file the record is the factory one; a file written later, and its removal,
+// are seen at the next read, in either order.
+TEST_F(BoardTest, ProductFileAppearingAndGoingIsReadEachTime) {
+    char record[VESK_PRODUCT_RECORD_SIZE] = {};
+    const std::string file = root / "/data/vesksdk/product.json";
+    ASSERT_FALSE(std::filesystem::exists(file));
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_EQ(0, bi_info_get_product_info(record));
+        EXPECT_STREQ("8470", record + 64);
+        EXPECT_STREQ("VESK", record);
+        writeFile(file, "{\"model_id\": \"8471\", \"vendor\": \"ACME\"}\n");
+        ASSERT_EQ(0, bi_info_get_product_info(record));
+        EXPECT_STREQ("8471", record + 64);
+        EXPECT_STREQ("ACME", record);
+        EXPECT_STREQ("true", record + 2016);
+        ASSERT_TRUE(std::filesystem::remove(file));
+    }
+    EXPECT_EQ(0, bi_info_get_product_info(record));
+    EXPECT_STREQ("8470", record + 64);
+    EXPECT_STREQ("VESK", record);
+    EXPECT_FALSE(std::filesystem::exists(file));  // a reader writes nothing
 }
 
 TEST_F(BoardTest, WatchdogConfigurationAndDevice) {

@@ -116,6 +116,19 @@ TEST(ArgumentWord, UnreadableJsonSaysWhereItStops) {
     }
 }
 
+// Well-formed JSON whose number no type can hold (past a double's largest, about 1.8e308).
+TEST(ArgumentWord, NumberPastAnyRangeIsAnError) {
+    for (const char* text : {"1e400", "11e15201", "[1, -2e999]", "{\"a\": 1e309}"}) {
+        try {
+            word(text);
+            ADD_FAILURE() << text << " was read";
+        } catch (const UnreadableJson& error) {
+            EXPECT_EQ(Json(text).dump() + ", which holds a number past any range",
+                      std::string(error.what()));
+        }
+    }
+}
+
 TEST(ArgumentWord, RepeatedKeyIsAnError) {
     EXPECT_THROW(word("{\"a\": 1, \"a\": 2}"), ArgumentError);
     EXPECT_THROW(word("[{\"x\": {\"a\": 1, \"a\": 2}}]"), ArgumentError);

@@ -188,6 +188,9 @@ Json readArgumentWord(const std::string& word) {
                                     : "'" + word.substr(error.byte - 1, 1) + "' at character " +
                                               std::to_string(error.byte) + " is not expected there";
         throw UnreadableJson(describeValue(Json(word)) + ", which is not JSON: " + where);
+    } catch (const Json::out_of_range&) {
+        // Well-formed, but a number past a double's range ("1e400").
+        throw UnreadableJson(describeValue(Json(word)) + ", which holds a number past any range");
     }
     if (!repeatedKey.empty()) throw ArgumentError("repeated field \"" + repeatedKey + "\"");
     return value;

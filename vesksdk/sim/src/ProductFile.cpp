@@ -34,12 +34,14 @@ bool isMac(const std::string& value) {
     return true;
 }
 
-// The last description made, its record, and the text of the file they came from. The board
+// The last description made, its record, and the text of the file they came from (none when
+// there was no file to read: a root whose product was never changed has none). The board
 // library reads the file on every call that asks for the model (each output-mode change does),
-// and parsing it and filling the record cost more than the rest of such a call: the same text
-// gives the same description and record without either.
+// and parsing it and filling the record cost more than the rest of such a call: the same text,
+// or the same lack of one, gives the same description and record without either.
 struct ParsedProduct {
     std::mutex mutex;
+    bool made = false;
     std::optional<std::string> text;
     ProductDescription description;
     std::string record;
@@ -53,10 +55,9 @@ ParsedProduct& lastParsed() {
 // Calls `use` with what was made before from exactly `text`; false when nothing was.
 template <typename Use>
 bool useMadeBefore(const std::optional<std::string>& text, Use&& use) {
-    if (!text) return false;
     ParsedProduct& parsed = lastParsed();
     std::lock_guard<std::mutex> lock(parsed.mutex);
-    if (parsed.text != text) return false;
+    if (!parsed.made || parsed.text != text) return false;
     use(static_cast<const ParsedProduct&>(parsed));
     return true;
 }
@@ -72,15 +73,14 @@ ProductDescription describe(const std::string& path, const std::optional<std::st
         bool stored = found != file.end() && found->is_string();
         description[field.key] = stored ? found->get<std::string>() : field.factoryValue;
     }
-    if (text) {
-        std::string record(sizeof(vesk_product_record), '\0');
-        fillProductRecord(description, record.data());
-        ParsedProduct& parsed = lastParsed();
-        std::lock_guard<std::mutex> lock(parsed.mutex);
-        parsed.text = text;
-        parsed.description = description;
-        parsed.record = std::move(record);
-    }
+    std::string record(sizeof(vesk_product_record), '\0');
+    fillProductRecord(description, record.data());
+    ParsedProduct& parsed = lastParsed();
+    std::lock_guard<std::mutex> lock(parsed.mutex);
+    parsed.made = true;
+    parsed.text = text;
+    parsed.description = description;
+    parsed.record = std::move(record);
     return description;
 }
 
