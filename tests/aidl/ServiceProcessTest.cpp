@@ -193,5 +193,20 @@ TEST_F(ServiceProcessTest, ALinkPlantedAsTheSocketsFolderIsRefused) {
     std::filesystem::remove_all(outside);
 }
 
+// A Unix socket's address holds 107 bytes of path: a root too deep for its socket is one line.
+TEST_F(ServiceProcessTest, ARootTooDeepForItsSocketIsRefused) {
+    const std::string deep = root.path() + "/" + std::string(100, 'd');
+    ASSERT_TRUE(std::filesystem::create_directories(deep));
+    const std::string socket = deep + "/dev/socket/veskdevicemanager";
+    ServerProcess refused(VESK_BINARY_DIR "/bin/vesk.hardware.veskdevicemanager-service", {},
+                          "listening on " + socket, errorPath(), {{"VESK_ROOT", deep}});
+    EXPECT_FALSE(refused.listening());
+    ChildEnd end = refused.wait();
+    EXPECT_TRUE(end.exited);
+    EXPECT_EQ(1, end.code);
+    EXPECT_EQ(std::string(kProgram) + ": not a Unix socket path: \"" + socket + "\"\n",
+              readFile(errorPath()));
+}
+
 }  // namespace
 }  // namespace vesk::test

@@ -46,6 +46,12 @@ Variables attributeList(const Ubootenv& env) {
     return list;
 }
 
+std::map<std::string, std::string> variablesOf(const Ubootenv& env) {
+    std::map<std::string, std::string> values;
+    for (const auto& [key, value] : attributeList(env)) values[key] = value;
+    return values;
+}
+
 bool EnvLog::operator==(const EnvLog& other) const {
     return priority == other.priority && function == other.function && text == other.text;
 }

@@ -6,6 +6,7 @@
 
 #include <stdint.h>
 
+#include <map>
 #include <ostream>
 #include <string>
 #include <utility>
@@ -28,6 +29,8 @@ std::string hex8(uint32_t value);
 
 // The list of a loaded object, node by node (empty nodes included).
 Variables attributeList(const Ubootenv& env);
+// The same list by name (a later node of a name wins).
+std::map<std::string, std::string> variablesOf(const Ubootenv& env);
 
 // One log line of the module: priority, logging function and the text after the prefix.
 struct EnvLog {

@@ -17,12 +17,6 @@
 namespace vesk::test {
 namespace {
 
-std::map<std::string, std::string> variablesOf(const Ubootenv& env) {
-    std::map<std::string, std::string> values;
-    for (const auto& [key, value] : attributeList(env)) values[key] = value;
-    return values;
-}
-
 // The factory variables with `changes` applied.
 std::map<std::string, std::string> factoryWith(const std::map<std::string, std::string>& changes) {
     std::map<std::string, std::string> values;

@@ -23,12 +23,6 @@ namespace {
 constexpr int kWriters = 8;
 constexpr int kUpdatesPerWriter = 50;
 
-std::map<std::string, std::string> variablesOf(const Ubootenv& env) {
-    std::map<std::string, std::string> values;
-    for (const auto& [key, value] : attributeList(env)) values[key] = value;
-    return values;
-}
-
 using UbootenvTransactionTest = EnvTest;
 
 TEST_F(UbootenvTransactionTest, EveryUpdateOfEveryProcessSurvives) {

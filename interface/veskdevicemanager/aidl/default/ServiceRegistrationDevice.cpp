@@ -13,8 +13,9 @@ constexpr char kTag[] = "vesk.hardware.veskdevicemanager-service";
 }  // namespace
 
 int serveService(AIBinder* service, const char* instance, uint32_t threads) {
-    // The pool's threads besides the one that joins it below.
-    ABinderProcess_setThreadPoolMaxThreadCount(threads > 0 ? threads - 1 : 0);
+    // The pool's first thread and this one, which joins the pool below, serve from the start; the
+    // binder driver starts the others as calls come.
+    ABinderProcess_setThreadPoolMaxThreadCount(threads > 2 ? threads - 2 : 0);
     ABinderProcess_startThreadPool();
     binder_exception_t status = AServiceManager_addService(service, instance);
     if (status != EX_NONE) {
