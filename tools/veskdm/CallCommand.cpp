@@ -25,6 +25,8 @@ void callOnce(Context& context, const std::vector<std::string>& words) {
             child.out << dumpJson(runCall(call, service.get())) << "\n";
         } catch (const TransportError& error) {
             throw CommandError(call.method->name + ": transport error: " + error.what());
+        } catch (const ServiceRefusal& error) {
+            throw UsageError(error.what());
         }
     });
 }

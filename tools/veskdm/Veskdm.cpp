@@ -68,6 +68,11 @@ void addGlobalOptions(CLI::App& app, Context& context) {
     app.add_option("--board-journal", options.boardJournal,
                    "append one JSON line per board call to FILE");
     app.add_option("--board-script", options.boardScript, "JSON file of scripted board results");
+    app.add_option("--via", options.via,
+                   "how call, shell and debug reach the service: passthrough (default: the "
+                   "implementation library, loaded here) or aidl (the service veskdm serve "
+                   "started)")
+            ->check(CLI::IsMember({"passthrough", "aidl"}));
     app.add_flag("-v,--verbose", options.verbose,
                  "show every log line on stderr (default: warnings and errors)");
 }
