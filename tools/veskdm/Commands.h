@@ -28,5 +28,6 @@ void addCallCommand(CLI::App& app, Context& context);
 void addShellCommand(CLI::App& app, Context& context);
 void addBoardCommand(CLI::App& app, Context& context);
 void addDebugCommand(CLI::App& app, Context& context);
+void addServeCommand(CLI::App& app, Context& context);
 
 }  // namespace veskdm
