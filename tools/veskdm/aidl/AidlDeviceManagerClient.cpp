@@ -8,6 +8,7 @@
 
 #include "AidlClientConversions.h"
 #include "MethodBinder.h"
+#include "vesk/rpc_binder_host.h"
 
 namespace veskdm::aidlclient {
 
@@ -45,8 +46,11 @@ class ForwardingCallback : public aidl::BnVeskDeviceCallback {
 }  // namespace
 
 AidlDeviceManagerClient::AidlDeviceManagerClient(std::shared_ptr<aidl::IVeskDeviceManager> proxy,
+                                                 std::string socketPath,
                                                  std::function<void()> onRelease)
-    : mProxy(std::move(proxy)), mOnRelease(std::move(onRelease)) {}
+    : mProxy(std::move(proxy)),
+      mSocketPath(std::move(socketPath)),
+      mOnRelease(std::move(onRelease)) {}
 
 AidlDeviceManagerClient::~AidlDeviceManagerClient() {
     mProxy.reset();
@@ -284,6 +288,18 @@ Return<void> AidlDeviceManagerClient::getResolutionByEdid(const hidl_vec<uint8_t
     aidl::VeskEffeResolution resolution;
     checkStatus(mProxy->getResolutionByEdid(toAidl(edid), &resolution));
     _hidl_cb(toHidl(resolution));
+    return Void();
+}
+
+Return<void> AidlDeviceManagerClient::debug(const ::android::hardware::hidl_handle& fd,
+                                            const hidl_vec<hidl_string>& options) {
+    std::vector<const char*> args;
+    for (const hidl_string& option : options) args.push_back(option.c_str());
+    int out = fd != nullptr && fd->numFds > 0 ? fd->data[0] : -1;
+    if (vesk_rpc_dump(mSocketPath.c_str(), args.data(), static_cast<uint32_t>(args.size()), out,
+                      0) != VESK_RPC_OK) {
+        throw TransportError(vesk_rpc_last_error());
+    }
     return Void();
 }
 

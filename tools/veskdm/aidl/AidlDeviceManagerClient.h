@@ -16,6 +16,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "CoreValueMethods.h"
 #include "HidlParameters.h"
@@ -25,10 +26,11 @@ namespace veskdm::aidlclient {
 class AidlDeviceManagerClient
     : public ::vesk::hardware::veskdevicemanager::V1_0::IVeskDeviceManager {
   public:
-    // `proxy` is the service's; `onRelease` runs when this object goes (it ends the session).
+    // `proxy` is the service's, served on socketPath; `onRelease` runs when this object goes (it
+    // ends the session).
     AidlDeviceManagerClient(
             std::shared_ptr<::aidl::vesk::hardware::veskdevicemanager::IVeskDeviceManager> proxy,
-            std::function<void()> onRelease);
+            std::string socketPath, std::function<void()> onRelease);
     ~AidlDeviceManagerClient() override;
 
 #define VESK_H(Kind)                                                    \
@@ -107,8 +109,14 @@ class AidlDeviceManagerClient
     Return<void> getResolutionByEdid(const hidl_vec<uint8_t>& edid,
                                      getResolutionByEdid_cb _hidl_cb) override;
 
+    // IBase::debug as dump(): RPC binder carries no file descriptor, so the service's process
+    // writes it to the dump socket beside its own (vesk_rpc_dump), and it is copied to fd.
+    Return<void> debug(const ::android::hardware::hidl_handle& fd,
+                       const hidl_vec<hidl_string>& options) override;
+
   private:
     std::shared_ptr<::aidl::vesk::hardware::veskdevicemanager::IVeskDeviceManager> mProxy;
+    std::string mSocketPath;
     std::function<void()> mOnRelease;
 };
 

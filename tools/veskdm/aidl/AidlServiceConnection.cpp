@@ -39,7 +39,7 @@ void toProcessLog(int priority, const char* tag, const char* message) {
         throw LoadError("cannot reach the service: " + socketPath +
                         " serves no vesk.hardware.veskdevicemanager.IVeskDeviceManager");
     }
-    return new aidlclient::AidlDeviceManagerClient(std::move(proxy),
+    return new aidlclient::AidlDeviceManagerClient(std::move(proxy), socketPath,
                                                    [session] { vesk_rpc_session_close(session); });
 }
 
