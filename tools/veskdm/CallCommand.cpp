@@ -44,6 +44,7 @@ void addCallCommand(CLI::App& app, Context& context) {
             std::string(kImplLibraryName) + " beside veskdm.");
     // Everything after METHOD is an argument, also words such as -1.
     call->prefix_command();
+    addViaOption(*call, context);
     call->add_option("METHOD", *method, "method name (veskdm methods lists them)")->required();
     call->callback([call, method, &context] {
         std::vector<std::string> words{*method};

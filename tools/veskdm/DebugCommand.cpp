@@ -103,6 +103,7 @@ void addDebugCommand(CLI::App& app, Context& context) {
     auto* debug = app.add_subcommand("debug", "the service's state, as lshal debug shows it");
     debug->footer("SECTIONs: product, mode, env, log (all of them when none is named).");
     debug->add_option("SECTION", *sections, "sections to print");
+    addViaOption(*debug, context);
     debug->callback([sections, &context] {
         checkSections(*sections);
         runInServiceProcess(context, [sections](Context& child) { printDebug(child, *sections); });

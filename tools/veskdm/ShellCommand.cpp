@@ -69,6 +69,7 @@ void addShellCommand(CLI::App& app, Context& context) {
             "stderr and nothing is called for it; later lines still run, and the exit status is "
             "2.\n"
             "A line that ends the service's process (it aborts on some inputs) ends the shell.");
+    addViaOption(*shell, context);
     shell->callback([&context] {
         runInServiceProcess(context, [](Context& child) {
             int status = runShell(child);

@@ -108,7 +108,8 @@ TEST_F(ViaAidlCommandTest, AServiceThatCannotStartIsOneLine) {
 TEST_F(ViaAidlCommandTest, CallPrintsWhatTheInProcessCallPrints) {
     serve();
     const std::string expected = R"({"method":"setSysLedState","return":0,"callbacks":[]})";
-    Outcome viaAidl = veskdm.run({"--via", "aidl", "call", "setSysLedState", "1"});
+    // The option of the command, as the option of the run below.
+    Outcome viaAidl = veskdm.run({"call", "--via", "aidl", "setSysLedState", "1"});
     EXPECT_EQ(viaAidl.status, 0) << viaAidl.err;
     EXPECT_THAT(viaAidl.outLines(), ElementsAre(expected));
     EXPECT_EQ(viaAidl.err, "");
@@ -206,7 +207,7 @@ TEST_F(ViaAidlCommandTest, AServiceThatDiesMidCall) {
 
 TEST_F(ViaAidlCommandTest, ShellThroughTheService) {
     serve();
-    Outcome outcome = veskdm.run({"--via", "aidl", "shell"},
+    Outcome outcome = veskdm.run({"shell", "--via", "aidl"},
                                  "setSysLedState 1\n"
                                  "readSpiFpga -1\n"
                                  "getSysLedState\n");
@@ -227,7 +228,7 @@ TEST_F(ViaAidlCommandTest, DebugPrintsWhatTheInProcessServicePrints) {
     EXPECT_EQ(all.status, 0) << all.err;
     EXPECT_THAT(all.out, StartsWith("[product]\n"));
     EXPECT_EQ(all.out, veskdm.run({"debug"}).out);
-    Outcome mode = veskdm.run({"--via", "aidl", "debug", "mode", "env"});
+    Outcome mode = veskdm.run({"debug", "--via", "aidl", "mode", "env"});
     EXPECT_EQ(mode.status, 0);
     EXPECT_THAT(mode.out, StartsWith("[mode]\n"));
     EXPECT_THAT(mode.out, HasSubstr("\n[env]\n"));
