@@ -24,6 +24,17 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
+// The run's standard error without the line the ThreadSanitizer runtime writes when it symbolizes
+// a suppressed report of the platform's library (android/tsan-suppressions.txt) and meets a
+// frame on the stack; in other builds, the whole of it.
+std::string errorsOf(const Outcome& outcome) {
+    std::string kept;
+    for (const std::string& line : outcome.errLines()) {
+        if (line.rfind("LLVMSymbolizer: ", 0) != 0) kept += line + "\n";
+    }
+    return kept;
+}
+
 class ViaAidlCommandTest : public ::testing::Test {
   protected:
     ViaAidlCommandTest() { veskdm.environment = {"VESK_IMPL_LIB=", "VESK_BOARD_SCRIPT="}; }
@@ -112,7 +123,7 @@ TEST_F(ViaAidlCommandTest, CallPrintsWhatTheInProcessCallPrints) {
     Outcome viaAidl = veskdm.run({"call", "--via", "aidl", "setSysLedState", "1"});
     EXPECT_EQ(viaAidl.status, 0) << viaAidl.err;
     EXPECT_THAT(viaAidl.outLines(), ElementsAre(expected));
-    EXPECT_EQ(viaAidl.err, "");
+    EXPECT_EQ(errorsOf(viaAidl), "");
     Outcome inProcess = veskdm.run({"call", "setSysLedState", "1"});
     EXPECT_EQ(inProcess.out, viaAidl.out);
 
