@@ -106,6 +106,35 @@ TEST_F(ViaAidlCommandTest, ServeStartsFindsAndStopsTheService) {
     EXPECT_THAT(again.errLines(), ElementsAre("veskdm: no service runs on " + socketPath()));
 }
 
+// The board journal, the board script and the log reach the service as they reach the in-process
+// service of a call.
+TEST_F(ViaAidlCommandTest, TheRunsJournalScriptAndLogReachTheService) {
+    const std::string script = root.path() + "/script.json";
+    const std::string journal = root.path() + "/journal.jsonl";
+    const std::string log = root.path() + "/log.jsonl";
+    vesk::test::writeFile(script, R"({"bi_sysled_get_state": {"return": 7}})");
+    ASSERT_EQ(veskdm.run({"prop", "set", "persist.vesk.device.log.level", "D"}).status, 0);
+    Outcome started = veskdm.run(
+            {"--board-script", script, "--board-journal", journal, "--log", log, "serve"});
+    ASSERT_EQ(started.status, 0) << started.err;
+    servicePid = atoi(started.out.substr(started.out.rfind(' ') + 1).c_str());
+
+    Outcome call = veskdm.run({"call", "--via", "aidl", "getSysLedState"});
+    EXPECT_THAT(call.outLines(),
+                ElementsAre(R"({"method":"getSysLedState","return":7,"callbacks":[]})"));
+    ASSERT_EQ(veskdm.run({"serve", "--stop"}).status, 0);
+    EXPECT_THAT(splitLines(vesk::test::readFile(journal)),
+                ElementsAre(R"({"function":"bi_init_product_config","args":[],"return":0})",
+                            R"({"function":"bi_sysled_get_state","args":[],"return":7})"));
+    // The service's trace line of the call, as the in-process service writes it.
+    const std::string inProcessLog = root.path() + "/in-process.jsonl";
+    veskdm.run({"--board-script", script, "--log", inProcessLog, "call", "getSysLedState"});
+    std::vector<std::string> inProcess = splitLines(vesk::test::readFile(inProcessLog));
+    ASSERT_FALSE(inProcess.empty());
+    EXPECT_THAT(splitLines(vesk::test::readFile(log)), ::testing::Contains(inProcess.back()));
+    EXPECT_THAT(inProcess.back(), HasSubstr(R"("message":"getSysLedState )"));
+}
+
 TEST_F(ViaAidlCommandTest, AServiceThatCannotStartIsOneLine) {
     veskdm.environment.push_back("VESK_SERVICE_PROGRAM=/nonexistent/service");
     Outcome outcome = veskdm.run({"serve"});
