@@ -15,6 +15,7 @@
 #include <stdio.h>
 #include <string.h>
 #include <sys/file.h>
+#include <sys/mman.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -42,6 +43,8 @@ using android::base::unique_fd;
 namespace {
 
 constexpr uint32_t kDefaultTimeoutMs = 5000;
+// A dump request is a few words (dumpsys's arguments).
+constexpr size_t kLargestDumpRequest = 64 * 1024;
 
 thread_local std::string lastError;
 
@@ -167,6 +170,93 @@ class Deadline {
     std::thread mWatcher;
 };
 
+// Sends all of data; false with errno set when the peer is gone or does not read in time. Never
+// raises SIGPIPE.
+bool sendAll(int fd, const char* data, size_t size) {
+    while (size > 0) {
+        ssize_t sent = TEMP_FAILURE_RETRY(send(fd, data, size, MSG_NOSIGNAL));
+        if (sent <= 0) return false;
+        data += sent;
+        size -= static_cast<size_t>(sent);
+    }
+    return true;
+}
+
+// A client's dump request: its arguments, each ended by a NUL, up to the client's end of file.
+// False for a request too large or one that does not come within the default time.
+bool readDumpRequest(int fd, std::vector<std::string>& args) {
+    std::string request;
+    char buffer[4096];
+    for (;;) {
+        pollfd ready{fd, POLLIN, 0};
+        if (TEMP_FAILURE_RETRY(poll(&ready, 1, kDefaultTimeoutMs)) != 1) return false;
+        ssize_t count = TEMP_FAILURE_RETRY(read(fd, buffer, sizeof(buffer)));
+        if (count < 0) return false;
+        if (count == 0) break;
+        request.append(buffer, static_cast<size_t>(count));
+        if (request.size() > kLargestDumpRequest) return false;
+    }
+    for (size_t start = 0; start < request.size();) {
+        size_t end = request.find('\0', start);
+        if (end == std::string::npos) end = request.size();
+        args.push_back(request.substr(start, end - start));
+        start = end + 1;
+    }
+    return true;
+}
+
+// Answers one dump request: the root's dump() written into a memory file first, so that a client
+// that goes away costs the server a failed send, never a SIGPIPE from inside the service's dump.
+void answerDump(AIBinder* root, int client) {
+    std::vector<std::string> words;
+    if (!readDumpRequest(client, words)) return;
+    std::vector<const char*> args;
+    for (const std::string& word : words) args.push_back(word.c_str());
+    unique_fd text(memfd_create("vesk-rpc-dump", MFD_CLOEXEC));
+    if (!text.ok()) return;
+    (void)AIBinder_dump(root, text.get(), args.data(), static_cast<uint32_t>(args.size()));
+    char buffer[65536];
+    off_t offset = 0;
+    ssize_t count;
+    while ((count = TEMP_FAILURE_RETRY(pread(text.get(), buffer, sizeof(buffer), offset))) > 0) {
+        if (!sendAll(client, buffer, static_cast<size_t>(count))) return;
+        offset += count;
+    }
+}
+
+// Serves dump requests one at a time until `stop` becomes readable.
+void serveDumps(AIBinder* root, int listening, int stop) {
+    pollfd fds[] = {{listening, POLLIN, 0}, {stop, POLLIN, 0}};
+    for (;;) {
+        if (TEMP_FAILURE_RETRY(poll(fds, 2, -1)) < 0 || fds[1].revents != 0) return;
+        if ((fds[0].revents & POLLIN) == 0) continue;
+        unique_fd client(TEMP_FAILURE_RETRY(accept4(listening, nullptr, nullptr, SOCK_CLOEXEC)));
+        if (!client.ok()) continue;
+        // A client that stops reading holds the server no longer than this.
+        timeval limit{kDefaultTimeoutMs / 1000, 0};
+        setsockopt(client.get(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof(limit));
+        answerDump(root, client.get());
+    }
+}
+
+// Holding the server's lock, a socket file at path is a dead server's: replaced. Any other file
+// is refused.
+VeskRpcResult clearStaleSocket(const char* path, const sockaddr_un& address) {
+    struct stat status {};
+    if (lstat(path, &status) != 0) return VESK_RPC_OK;
+    if (!S_ISSOCK(status.st_mode)) {
+        return fail(VESK_RPC_NOT_A_SOCKET, "%s is there and is not a socket", path);
+    }
+    if (connectTo(address, std::chrono::milliseconds(100)).ok()) {
+        return fail(VESK_RPC_IN_USE, "another server listens on %s", path);
+    }
+    if (unlink(path) != 0 && errno != ENOENT) {
+        return fail(VESK_RPC_SYSTEM_ERROR, "cannot remove the stale socket %s: %s", path,
+                    strerror(errno));
+    }
+    return VESK_RPC_OK;
+}
+
 }  // namespace
 
 struct VeskRpcServer {
@@ -178,6 +268,13 @@ struct VeskRpcServer {
     // vesk_rpc_server_shutdown writes here: write(2) is what a signal handler may call.
     unique_fd stopRead;
     unique_fd stopWrite;
+    // The root, for dump requests on dumpPath, served by dumpThread while the server is joined.
+    AIBinder* root = nullptr;
+    std::string dumpPath;
+    unique_fd dumpListening;
+    dev_t dumpDevice = 0;
+    ino_t dumpInode = 0;
+    std::thread dumpThread;
 };
 
 struct VeskRpcSession {
@@ -240,27 +337,47 @@ VeskRpcResult vesk_rpc_server_create(AIBinder* root, const char* socketPath, uin
         return fail(VESK_RPC_SYSTEM_ERROR, "cannot lock %s: %s", lockPath.c_str(), strerror(errno));
     }
 
+    made->dumpPath = made->path + ".dump";
+    sockaddr_un dumpAddress;
+    if (!unixAddress(made->dumpPath.c_str(), &dumpAddress)) {
+        return fail(VESK_RPC_BAD_ARGUMENT, "not a Unix socket path: \"%s\"", made->dumpPath.c_str());
+    }
     // Holding the lock, a socket file here is a dead server's, unless a program that takes no
     // lock listens on it.
+    if (VeskRpcResult stale = clearStaleSocket(socketPath, address); stale != VESK_RPC_OK) {
+        return stale;
+    }
+    if (VeskRpcResult stale = clearStaleSocket(made->dumpPath.c_str(), dumpAddress);
+        stale != VESK_RPC_OK) {
+        return stale;
+    }
     struct stat status {};
-    if (lstat(socketPath, &status) == 0) {
-        if (!S_ISSOCK(status.st_mode)) {
-            return fail(VESK_RPC_NOT_A_SOCKET, "%s is there and is not a socket", socketPath);
-        }
-        if (connectTo(address, std::chrono::milliseconds(100)).ok()) {
-            return fail(VESK_RPC_IN_USE, "another server listens on %s", socketPath);
-        }
-        if (unlink(socketPath) != 0 && errno != ENOENT) {
-            return fail(VESK_RPC_SYSTEM_ERROR, "cannot remove the stale socket %s: %s", socketPath,
-                        strerror(errno));
-        }
+    made->dumpListening.reset(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    if (!made->dumpListening.ok()) {
+        return fail(VESK_RPC_SYSTEM_ERROR, "socket: %s", strerror(errno));
+    }
+    if (bind(made->dumpListening.get(), reinterpret_cast<const sockaddr*>(&dumpAddress),
+             sizeof(dumpAddress)) != 0) {
+        return fail(VESK_RPC_SYSTEM_ERROR, "cannot bind %s: %s", made->dumpPath.c_str(),
+                    strerror(errno));
+    }
+    if (lstat(made->dumpPath.c_str(), &status) == 0) {
+        made->dumpDevice = status.st_dev;
+        made->dumpInode = status.st_ino;
+    }
+    if (listen(made->dumpListening.get(), 8) != 0) {
+        unlink(made->dumpPath.c_str());
+        return fail(VESK_RPC_SYSTEM_ERROR, "cannot listen on %s: %s", made->dumpPath.c_str(),
+                    strerror(errno));
     }
 
     unique_fd listening(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     if (!listening.ok()) {
+        unlink(made->dumpPath.c_str());
         return fail(VESK_RPC_SYSTEM_ERROR, "socket: %s", strerror(errno));
     }
     if (bind(listening.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
+        unlink(made->dumpPath.c_str());
         return fail(VESK_RPC_SYSTEM_ERROR, "cannot bind %s: %s", socketPath, strerror(errno));
     }
     if (lstat(socketPath, &status) == 0) {
@@ -270,12 +387,14 @@ VeskRpcResult vesk_rpc_server_create(AIBinder* root, const char* socketPath, uin
     // RpcServer's own backlog: a client opens all its connections at once.
     if (listen(listening.get(), 50) != 0) {
         unlink(socketPath);
+        unlink(made->dumpPath.c_str());
         return fail(VESK_RPC_SYSTEM_ERROR, "cannot listen on %s: %s", socketPath, strerror(errno));
     }
 
     int stop[2];
     if (pipe2(stop, O_CLOEXEC | O_NONBLOCK) != 0) {
         unlink(socketPath);
+        unlink(made->dumpPath.c_str());
         return fail(VESK_RPC_SYSTEM_ERROR, "pipe: %s", strerror(errno));
     }
     made->stopRead.reset(stop[0]);
@@ -286,9 +405,12 @@ VeskRpcResult vesk_rpc_server_create(AIBinder* root, const char* socketPath, uin
     made->server->setRootObject(AIBinder_toPlatformBinder(root));
     if (status_t status = made->server->setupExternalServer(std::move(listening)); status != OK) {
         unlink(socketPath);
+        unlink(made->dumpPath.c_str());
         return fail(VESK_RPC_SYSTEM_ERROR, "cannot serve %s: %s", socketPath,
                     statusToString(status).c_str());
     }
+    AIBinder_incStrong(root);
+    made->root = root;
     *server = made.release();
     return succeed();
 }
@@ -296,9 +418,13 @@ VeskRpcResult vesk_rpc_server_create(AIBinder* root, const char* socketPath, uin
 VeskRpcResult vesk_rpc_server_join(VeskRpcServer* server) {
     if (server == nullptr) return fail(VESK_RPC_BAD_ARGUMENT, "no server");
     server->server->start();
+    server->dumpThread = std::thread(serveDumps, server->root, server->dumpListening.get(),
+                                     server->stopRead.get());
     pollfd stop{server->stopRead.get(), POLLIN, 0};
     while (TEMP_FAILURE_RETRY(poll(&stop, 1, -1)) != 1) {
     }
+    // The stop stays in the pipe: the dump thread sees it too.
+    server->dumpThread.join();
     // start() runs join() on a thread of the server's, which installs the trigger that
     // shutdown() pulls: until it has, shutdown() has nothing to stop and says so.
     while (!server->server->shutdown()) {
@@ -322,6 +448,11 @@ void vesk_rpc_server_destroy(VeskRpcServer* server) {
         status.st_ino == server->inode) {
         unlink(server->path.c_str());
     }
+    if (lstat(server->dumpPath.c_str(), &status) == 0 && status.st_dev == server->dumpDevice &&
+        status.st_ino == server->dumpInode) {
+        unlink(server->dumpPath.c_str());
+    }
+    if (server->root != nullptr) AIBinder_decStrong(server->root);
     delete server;
 }
 
@@ -378,6 +509,52 @@ VeskRpcResult vesk_rpc_session_connect(const char* socketPath, uint32_t incoming
                     socketPath, statusToString(status).c_str());
     }
     return fail(VESK_RPC_NOT_A_SERVICE, "%s serves no root binder", socketPath);
+}
+
+VeskRpcResult vesk_rpc_dump(const char* socketPath, const char* const* args, uint32_t argCount,
+                            int outFd, uint32_t timeoutMs) {
+    if (socketPath == nullptr || (args == nullptr && argCount > 0)) {
+        return fail(VESK_RPC_BAD_ARGUMENT, "no socket path or no arguments");
+    }
+    const std::string path = std::string(socketPath) + ".dump";
+    sockaddr_un address;
+    if (!unixAddress(path.c_str(), &address)) {
+        return fail(VESK_RPC_BAD_ARGUMENT, "not a Unix socket path: \"%s\"", path.c_str());
+    }
+    const uint32_t limit = timeoutMs == 0 ? kDefaultTimeoutMs : timeoutMs;
+    unique_fd fd = connectTo(address, std::chrono::milliseconds(limit));
+    if (!fd.ok()) return whyNoConnection(path.c_str(), errno);
+    std::string request;
+    for (uint32_t i = 0; i < argCount; ++i) {
+        request += args[i] == nullptr ? "" : args[i];
+        request += '\0';
+    }
+    if (!sendAll(fd.get(), request.data(), request.size()) || shutdown(fd.get(), SHUT_WR) != 0) {
+        return fail(VESK_RPC_NO_SERVICE, "%s takes no dump request: %s", path.c_str(),
+                    strerror(errno));
+    }
+    char buffer[65536];
+    for (;;) {
+        pollfd ready{fd.get(), POLLIN, 0};
+        int polled = TEMP_FAILURE_RETRY(poll(&ready, 1, static_cast<int>(limit)));
+        if (polled == 0) {
+            return fail(VESK_RPC_TIMEOUT, "no answer from %s within %u ms", path.c_str(), limit);
+        }
+        ssize_t count = polled < 0 ? -1 : TEMP_FAILURE_RETRY(read(fd.get(), buffer, sizeof(buffer)));
+        if (count < 0) {
+            return fail(VESK_RPC_SYSTEM_ERROR, "cannot read from %s: %s", path.c_str(),
+                        strerror(errno));
+        }
+        if (count == 0) return succeed();
+        for (ssize_t written = 0; written < count;) {
+            ssize_t n = TEMP_FAILURE_RETRY(
+                    write(outFd, buffer + written, static_cast<size_t>(count - written)));
+            if (n <= 0) {
+                return fail(VESK_RPC_SYSTEM_ERROR, "cannot write the dump: %s", strerror(errno));
+            }
+            written += n;
+        }
+    }
 }
 
 AIBinder* vesk_rpc_session_root(VeskRpcSession* session) {

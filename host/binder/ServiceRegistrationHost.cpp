@@ -1,10 +1,12 @@
 // The host's side of the service's registration: the service's object served over the platform's
 // RPC binder (android/include/vesk/rpc_binder_host.h) on a Unix socket below the device root,
 // where a board has the service manager. Prints "listening on PATH" once clients can connect,
-// serves until SIGTERM or SIGINT, then ends every session and removes its socket.
+// serves until SIGTERM or SIGINT, then ends every session and removes its socket. Its log lines go
+// to stderr, or as JSON lines to the file $VESK_LOG_FILE names (veskdm serve --log FILE).
 #include <errno.h>
 #include <signal.h>
 #include <stdio.h>
+#include <stdlib.h>
 #include <string.h>
 
 #include <atomic>
@@ -12,6 +14,7 @@
 
 #include "ServiceRegistration.h"
 #include "vesk/host/DeviceRoot.h"
+#include "vesk/host/LogSink.h"
 #include "vesk/host/RootFiles.h"
 #include "vesk/rpc_binder_host.h"
 
@@ -30,6 +33,12 @@ void stop(int) {
 }  // namespace
 
 int serveService(AIBinder* service, const char* /* instance */, uint32_t threads) {
+    if (const char* log = getenv("VESK_LOG_FILE"); log != nullptr && log[0] != '\0') {
+        if (!vesk::host::logToJsonFile(log)) {
+            fprintf(stderr, "%s: cannot open log file %s\n", kProgram, log);
+            return 1;
+        }
+    }
     const std::string root = vesk::host::deviceRoot();
     if (!vesk::host::makeDirectoriesBelowRoot(root, vesk::host::kServiceSocketFolder)) {
         fprintf(stderr, "%s: cannot make %s: %s\n", kProgram,

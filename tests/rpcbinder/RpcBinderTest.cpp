@@ -291,6 +291,53 @@ TEST_F(RpcBinderTest, AStoppedServerEndsCleanlyAndRemovesItsSocket) {
     EXPECT_EQ(STATUS_DEAD_OBJECT, stillOpen.proxy->pingEmpty().getStatus());
 }
 
+// What the server's root writes when dumped, by vesk_rpc_dump into a file of this process.
+std::string dumpOf(const std::string& path, const std::vector<const char*>& args,
+                   VeskRpcResult* result) {
+    FILE* file = tmpfile();
+    *result = vesk_rpc_dump(path.c_str(), args.data(), static_cast<uint32_t>(args.size()),
+                            fileno(file), 0);
+    std::string text;
+    rewind(file);
+    for (int c; (c = fgetc(file)) != EOF;) text += static_cast<char>(c);
+    fclose(file);
+    return text;
+}
+
+// The dump runs in the server's process (RPC binder carries no file descriptor), with the
+// client's arguments, empty ones included, and its text comes back whole.
+TEST_F(RpcBinderTest, ADumpRunsInTheServersProcessWithTheClientsArguments) {
+    PingServer server(socketPath);
+    ASSERT_TRUE(server.listening()) << server.firstLine();
+    ASSERT_TRUE(exists(socketPath + ".dump"));
+    VeskRpcResult result;
+    EXPECT_EQ("dump pid " + std::to_string(server.pid()) + ": [mode] [a b] []\n",
+              dumpOf(socketPath, {"mode", "a b", ""}, &result));
+    EXPECT_EQ(VESK_RPC_OK, result) << vesk_rpc_last_error();
+    EXPECT_EQ("dump pid " + std::to_string(server.pid()) + ":\n", dumpOf(socketPath, {}, &result));
+
+    // A client that goes away before it reads costs the server nothing.
+    {
+        int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        (socketPath + ".dump").copy(address.sun_path, sizeof(address.sun_path) - 1);
+        ASSERT_EQ(0, connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof(address)));
+        ASSERT_EQ(1, write(fd, "x", 1));
+        shutdown(fd, SHUT_WR);
+        close(fd);
+    }
+    EXPECT_EQ("dump pid " + std::to_string(server.pid()) + ": [env]\n",
+              dumpOf(socketPath, {"env"}, &result));
+
+    ChildEnd end = server.stop();
+    EXPECT_TRUE(end.exited);
+    EXPECT_FALSE(exists(socketPath + ".dump"));
+    EXPECT_EQ("", dumpOf(socketPath, {}, &result));
+    EXPECT_EQ(VESK_RPC_NO_SUCH_SOCKET, result);
+    EXPECT_EQ("no socket at " + socketPath + ".dump", std::string(vesk_rpc_last_error()));
+}
+
 TEST_F(RpcBinderTest, ASecondServerOnThePathIsRefused) {
     PingServer first(socketPath);
     ASSERT_TRUE(first.listening()) << first.firstLine();

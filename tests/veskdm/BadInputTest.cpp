@@ -99,11 +99,14 @@ const BadInput kBadInputs[] = {
         {"UnknownCommand",
          {"calls", "getSysLedState"},
          "unknown command \"calls\" (commands: prop, timing, env, methods, call, shell, board, "
-         "debug)"},
+         "debug, serve)"},
         {"UnknownGlobalOption",
          {"--bogus", "call", "getSysLedState"},
          "unknown option \"--bogus\" (options: -h/--help, --root, --log, --board-journal, "
-         "--board-script, -v/--verbose)"},
+         "--board-script, --via, -v/--verbose)"},
+        {"UnknownWayToTheService",
+         {"--via", "hidl", "call", "getSysLedState"},
+         "--via: hidl not in {passthrough,aidl}"},
         {"UnknownSubcommand",
          {"prop", "bogus"},
          "prop: unknown command \"bogus\" (commands: get, set, list)"},

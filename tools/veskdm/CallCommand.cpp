@@ -25,6 +25,8 @@ void callOnce(Context& context, const std::vector<std::string>& words) {
             child.out << dumpJson(runCall(call, service.get())) << "\n";
         } catch (const TransportError& error) {
             throw CommandError(call.method->name + ": transport error: " + error.what());
+        } catch (const ServiceRefusal& error) {
+            throw UsageError(error.what());
         }
     });
 }
@@ -42,6 +44,7 @@ void addCallCommand(CLI::App& app, Context& context) {
             std::string(kImplLibraryName) + " beside veskdm.");
     // Everything after METHOD is an argument, also words such as -1.
     call->prefix_command();
+    addViaOption(*call, context);
     call->add_option("METHOD", *method, "method name (veskdm methods lists them)")->required();
     call->callback([call, method, &context] {
         std::vector<std::string> words{*method};

@@ -4,8 +4,8 @@ namespace veskdm {
 
 const std::vector<AddCommand>& commandList() {
     static const std::vector<AddCommand> kCommands = {
-            addPropCommand, addTimingCommand, addEnvCommand,   addMethodsCommand,
-            addCallCommand, addShellCommand,  addBoardCommand, addDebugCommand,
+            addPropCommand,  addTimingCommand, addEnvCommand,   addMethodsCommand, addCallCommand,
+            addShellCommand, addBoardCommand,  addDebugCommand, addServeCommand,
     };
     return kCommands;
 }

@@ -20,6 +20,10 @@ using AddCommand = void (*)(CLI::App& app, Context& context);
 // Every command, in the order of the help text.
 const std::vector<AddCommand>& commandList();
 
+// --via passthrough|aidl, a global option that the commands calling the service also take
+// (`veskdm call --via aidl ...`).
+CLI::Option* addViaOption(CLI::App& app, Context& context);
+
 void addPropCommand(CLI::App& app, Context& context);
 void addTimingCommand(CLI::App& app, Context& context);
 void addEnvCommand(CLI::App& app, Context& context);
@@ -28,5 +32,6 @@ void addCallCommand(CLI::App& app, Context& context);
 void addShellCommand(CLI::App& app, Context& context);
 void addBoardCommand(CLI::App& app, Context& context);
 void addDebugCommand(CLI::App& app, Context& context);
+void addServeCommand(CLI::App& app, Context& context);
 
 }  // namespace veskdm

@@ -18,6 +18,9 @@ struct GlobalOptions {
     std::string boardJournal;
     std::string boardScript;
     bool verbose = false;
+    // How call, shell and debug reach the service: "passthrough" (the implementation library
+    // in a child process of the run) or "aidl" (the AIDL service running on the root).
+    std::string via = "passthrough";
 };
 
 class RunLog;

@@ -81,8 +81,12 @@ void printDebug(Context& context, const std::vector<std::string>& sections) {
     DebugFile file;
     hidl_vec<hidl_string> options(sections.size());
     for (size_t i = 0; i < sections.size(); ++i) options[i] = sections[i];
-    auto result = manager.debug(hidl_handle(file.handle()), options);
-    if (!result.isOk()) throw CommandError("debug: transport error: " + result.description());
+    try {
+        auto result = manager.debug(hidl_handle(file.handle()), options);
+        if (!result.isOk()) throw CommandError("debug: transport error: " + result.description());
+    } catch (const TransportError& error) {
+        throw CommandError(std::string("debug: ") + error.what());
+    }
     std::string text = file.text();
     // The service answers options it does not know with its one usage line: bad input here.
     if (text.rfind("usage: ", 0) == 0 && text.find('\n') == text.size() - 1) {
@@ -99,6 +103,7 @@ void addDebugCommand(CLI::App& app, Context& context) {
     auto* debug = app.add_subcommand("debug", "the service's state, as lshal debug shows it");
     debug->footer("SECTIONs: product, mode, env, log (all of them when none is named).");
     debug->add_option("SECTION", *sections, "sections to print");
+    addViaOption(*debug, context);
     debug->callback([sections, &context] {
         checkSections(*sections);
         runInServiceProcess(context, [sections](Context& child) { printDebug(child, *sections); });

@@ -24,7 +24,11 @@ std::string programDirectory() {
 std::string implLibraryPath() {
     const char* chosen = getenv(kImplLibraryVariable);
     if (chosen != nullptr && chosen[0] != '\0') return chosen;
-    return programDirectory() + "/../lib/" + kImplLibraryName;
+    return besideProgram(std::string("../lib/") + kImplLibraryName);
+}
+
+std::string besideProgram(const std::string& relative) {
+    return programDirectory() + "/" + relative;
 }
 
 ::android::sp<IVeskDeviceManager> fetchDeviceManager(const std::string& libraryPath,

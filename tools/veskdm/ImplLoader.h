@@ -24,6 +24,10 @@ inline constexpr char kImplLibraryVariable[] = "VESK_IMPL_LIB";
 // program (bin/ and lib/ of the build tree or of an installation).
 std::string implLibraryPath();
 
+// A file beside the running program's folder: `relative` to it (bin/ of the build tree or of an
+// installation).
+std::string besideProgram(const std::string& relative);
+
 // Loads the library (it stays loaded for the life of the process, as in a passthrough host),
 // fetches one service object of that instance name and holds it by a strong pointer.
 ::android::sp<::vesk::hardware::veskdevicemanager::V1_0::IVeskDeviceManager> fetchDeviceManager(

@@ -1,13 +1,16 @@
 /*
- * The service object of a run, fetched from the implementation library when the first call is
- * ready to be made (so that bad input loads nothing), in the run's device root.
+ * The service object of a run, had when the first call is ready to be made (so that bad input
+ * loads nothing): fetched from the implementation library in the run's device root, or, with
+ * --via aidl, the AIDL service listening on that root's socket.
  */
 #pragma once
 
+#include "AidlService.h"
 #include "Context.h"
 #include "Errors.h"
 #include "ImplLoader.h"
 #include "MethodBinder.h"
+#include "vesk/host/DeviceRoot.h"
 
 namespace veskdm {
 
@@ -17,9 +20,14 @@ class LazyService {
 
     IVeskDeviceManager& get() {
         if (mService == nullptr) {
-            mContext.useRoot();
             try {
-                mService = fetchDeviceManager(implLibraryPath());
+                if (mContext.options.via == "aidl") {
+                    mService = connectAidlService(vesk::host::pathBelowRoot(
+                            mContext.rootPath(), vesk::host::kServiceSocket));
+                } else {
+                    mContext.useRoot();
+                    mService = fetchDeviceManager(implLibraryPath());
+                }
             } catch (const LoadError& error) {
                 throw CommandError(error.what());
             }

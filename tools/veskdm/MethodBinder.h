@@ -37,6 +37,13 @@ class TransportError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// The service refused the call's input (a service across processes answers an argument it
+// cannot take with an error of its own, EX_ILLEGAL_ARGUMENT): the message says why.
+class ServiceRefusal : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
 // A call with its arguments read, ready to be made on a service object.
 using PreparedCall = std::function<CallOutcome(IVeskDeviceManager&)>;
 

@@ -14,8 +14,9 @@
 namespace veskdm {
 namespace {
 
-// Runs each line on one service object. A bad line is reported and skipped; the status is 2
-// when any line was bad, else 1 when any call failed, else 0.
+// Runs each line on one service object. A bad line (one the service refused included) is
+// reported and skipped; the status is 2 when any line was bad, else 1 when any call failed,
+// else 0.
 int runShell(Context& context) {
     LazyService service(context);
     bool badLine = false;
@@ -43,6 +44,10 @@ int runShell(Context& context) {
                         << "\n";
             context.log->drop();
             failedCall = true;
+        } catch (const ServiceRefusal& error) {
+            context.err << where << error.what() << "\n";
+            context.log->drop();
+            badLine = true;
         } catch (const std::bad_alloc&) {
             context.log->drop();
             context.err << where << call.method->name
@@ -64,6 +69,7 @@ void addShellCommand(CLI::App& app, Context& context) {
             "stderr and nothing is called for it; later lines still run, and the exit status is "
             "2.\n"
             "A line that ends the service's process (it aborts on some inputs) ends the shell.");
+    addViaOption(*shell, context);
     shell->callback([&context] {
         runInServiceProcess(context, [](Context& child) {
             int status = runShell(child);

@@ -59,6 +59,19 @@ void applyGlobalOptions(const CLI::App& app, Context& context, const RootChoice&
     exportPath("VESK_BOARD_SCRIPT", options.boardScript);
 }
 
+}  // namespace
+
+CLI::Option* addViaOption(CLI::App& app, Context& context) {
+    return app
+            .add_option("--via", context.options.via,
+                        "how call, shell and debug reach the service: passthrough (default: "
+                        "the implementation library, loaded here) or aidl (the service veskdm "
+                        "serve started)")
+            ->check(CLI::IsMember({"passthrough", "aidl"}));
+}
+
+namespace {
+
 void addGlobalOptions(CLI::App& app, Context& context) {
     GlobalOptions& options = context.options;
     app.add_option("--root", options.root,
@@ -68,6 +81,7 @@ void addGlobalOptions(CLI::App& app, Context& context) {
     app.add_option("--board-journal", options.boardJournal,
                    "append one JSON line per board call to FILE");
     app.add_option("--board-script", options.boardScript, "JSON file of scripted board results");
+    addViaOption(app, context);
     app.add_flag("-v,--verbose", options.verbose,
                  "show every log line on stderr (default: warnings and errors)");
 }

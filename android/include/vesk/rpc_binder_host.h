@@ -54,6 +54,11 @@ typedef struct VeskRpcServer VeskRpcServer;
  * connections (at least 1), so that as many of its threads are served at once; clients are
  * served side by side, each by threads of its own.
  *
+ * Beside it, on socketPath + ".dump", the server answers dump requests (vesk_rpc_dump) while it
+ * is joined: RPC binder cannot carry the file descriptor a dump writes to, so the root's dump()
+ * (AIBinder_dump) runs in the server's process with that connection as its descriptor. Both
+ * paths must fit a Unix socket address.
+ *
  * The server holds a lock on socketPath + ".lock" (left in place) while it lives, so one server
  * at a time serves a path: a second gets VESK_RPC_IN_USE. A socket file at the path without a
  * live server (its server died) is replaced; any other file there is refused
@@ -91,6 +96,15 @@ typedef struct VeskRpcSession VeskRpcSession;
  */
 VeskRpcResult vesk_rpc_session_connect(const char* socketPath, uint32_t incomingThreads,
                                        uint32_t timeoutMs, VeskRpcSession** session);
+
+/*
+ * What the root binder of the server at socketPath writes when dumped with args (as `dumpsys`
+ * dumps a service on a board), copied to outFd until the server ends it. Fails as
+ * vesk_rpc_session_connect does when nothing serves the dump socket, and with VESK_RPC_TIMEOUT
+ * when the server sends nothing for timeoutMs milliseconds (0: the default of 5000).
+ */
+VeskRpcResult vesk_rpc_dump(const char* socketPath, const char* const* args, uint32_t argCount,
+                            int outFd, uint32_t timeoutMs);
 
 /* The server's root binder, with a strong reference the caller releases (AIBinder_decStrong). */
 AIBinder* vesk_rpc_session_root(VeskRpcSession* session);

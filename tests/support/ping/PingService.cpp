@@ -1,8 +1,10 @@
 #include "PingService.h"
 
 #include <stdio.h>
+#include <unistd.h>
 
 #include <chrono>
+#include <string>
 #include <thread>
 
 namespace vesk::test {
@@ -21,6 +23,15 @@ ndk::ScopedAStatus PingService::waitFor(int32_t milliseconds) {
     fflush(stdout);
     std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
     return ndk::ScopedAStatus::ok();
+}
+
+binder_status_t PingService::dump(int fd, const char** args, uint32_t numArgs) {
+    std::string line = "dump pid " + std::to_string(getpid()) + ":";
+    for (uint32_t i = 0; i < numArgs; ++i) line += std::string(" [") + args[i] + "]";
+    line += "\n";
+    return write(fd, line.data(), line.size()) == static_cast<ssize_t>(line.size())
+                   ? STATUS_OK
+                   : STATUS_UNKNOWN_ERROR;
 }
 
 ndk::ScopedAStatus PingService::byteCount(const std::vector<uint8_t>& data, int32_t* result) {

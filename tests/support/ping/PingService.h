@@ -22,6 +22,8 @@ class PingService : public aidl::vesk::tests::BnPing {
     ndk::ScopedAStatus waitFor(int32_t milliseconds) override;
     ndk::ScopedAStatus byteCount(const std::vector<uint8_t>& data, int32_t* result) override;
     ndk::ScopedAStatus meet(int32_t count, int32_t timeoutMs, int32_t* result) override;
+    // "dump pid PID:" and each argument in brackets, one line.
+    binder_status_t dump(int fd, const char** args, uint32_t numArgs) override;
 
   private:
     std::mutex mMutex;

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <iterator>
 
+#include "vesk/sim/ScriptCheck.h"
 #include "vesksdk_records.h"
 
 namespace vesk::sim {
@@ -168,6 +169,12 @@ const BoardFunction kFunctions[] = {
 #undef SERIAL
 
 }  // namespace
+
+std::vector<std::string> scriptableFunctions() {
+    std::vector<std::string> names;
+    for (const BoardFunction& function : kFunctions) names.emplace_back(function.name);
+    return names;
+}
 
 const BoardFunction* findBoardFunction(const std::string& name) {
     for (const BoardFunction& function : kFunctions) {

@@ -6,10 +6,14 @@
 
 #include <nlohmann/json.hpp>
 #include <string>
+#include <vector>
 
 namespace vesk::sim {
 
 // False, with the reason in `error`, for a script the board would refuse.
 bool checkScript(const nlohmann::json& script, std::string* error);
+
+// The name of every board function a script may answer for, in the board library's order.
+std::vector<std::string> scriptableFunctions();
 
 }  // namespace vesk::sim
