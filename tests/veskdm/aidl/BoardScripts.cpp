@@ -17,7 +17,7 @@ bool boardTakes(const std::string& function, const json& entry) {
 }
 
 // `count` bytes 0x11, 0x22, ... 0x77, 0x11, ... as the hex of an "out": texts of them are
-// UTF-8 (the front ends carry texts that are not differently: FrontEndDifferentialTest's table).
+// UTF-8 (texts that are not have a script of their own, "text not UTF-8").
 std::string hexBytes(int count) {
     static const char digits[] = "0123456789abcdef";
     std::string hex;
@@ -96,8 +96,15 @@ const std::vector<BoardScript>& boardScripts() {
 
 const std::vector<BoardScript>& otherBoardScripts() {
     static const std::vector<BoardScript> scripts = {
-            // The watchdog's device name "A", a byte that is not UTF-8, "B".
-            {"text not UTF-8", {{"bi_watchdog_parse", {{"return", 0}, {"out", "41ff42"}}}}},
+            // The watchdog's device name: ASCII letters between sequences that are not UTF-8
+            // (FF; C3 before a letter; C0 AF; ED A0 80; F4 90 80 80; 80; E2 82 before a letter)
+            // and some that are (C3 A9, E2 82 AC, F0 9F 98 80).
+            {"text not UTF-8",
+             {{"bi_watchdog_parse",
+               {{"return", 0},
+                {"out",
+                 "41ff42c343c0af44eda08045f490808046c3a9e282acf09f98804780"
+                 "48e28249"}}}}},
     };
     return scripts;
 }

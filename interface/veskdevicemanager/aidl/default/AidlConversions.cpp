@@ -2,20 +2,24 @@
 
 #include <utility>
 
+#include "AidlText.h"
+
 namespace aidl::vesk::hardware::veskdevicemanager {
 
 ProductInfo toAidl(const core::ProductInfo& info) {
     ProductInfo out;
+#define VESK_COPY_TEXT(name) out.name = aidlText(info.name);
 #define VESK_COPY(name) out.name = info.name;
-    VESK_PRODUCT_INFO_TEXTS(VESK_COPY)
+    VESK_PRODUCT_INFO_TEXTS(VESK_COPY_TEXT)
     VESK_PRODUCT_INFO_SWITCHES(VESK_COPY)
 #undef VESK_COPY
+#undef VESK_COPY_TEXT
     return out;
 }
 
 WatchDogCfg toAidl(const core::WatchDogCfg& cfg) {
     WatchDogCfg out;
-    out.wdtDevice = cfg.wdtDevice;
+    out.wdtDevice = aidlText(cfg.wdtDevice);
     out.wdt_timeout = static_cast<int32_t>(cfg.wdt_timeout);
     out.wdt_interval = static_cast<int32_t>(cfg.wdt_interval);
     return out;
@@ -23,9 +27,9 @@ WatchDogCfg toAidl(const core::WatchDogCfg& cfg) {
 
 ProcessInfo toAidl(const core::ProcessInfo& info) {
     ProcessInfo out;
-    out.name1 = info.name1;
-    out.name2 = info.name2;
-    out.name3 = info.name3;
+    out.name1 = aidlText(info.name1);
+    out.name2 = aidlText(info.name2);
+    out.name3 = aidlText(info.name3);
     out.block.assign(info.block.begin(), info.block.end());
     out.value64 = static_cast<int64_t>(info.value64);
     out.valueReal = info.valueReal;
@@ -57,11 +61,11 @@ CpuStatus toAidl(const core::CpuStatus& status) {
 
 VeskLogInfo toAidl(const core::VeskLogInfo& info) {
     VeskLogInfo out;
-    out.level = info.level;
-    out.base = info.base;
-    out.mode = info.mode;
-    out.total_size = info.total_size;
-    out.once_size = info.once_size;
+    out.level = aidlText(info.level);
+    out.base = aidlText(info.base);
+    out.mode = aidlText(info.mode);
+    out.total_size = aidlText(info.total_size);
+    out.once_size = aidlText(info.once_size);
     return out;
 }
 

@@ -1,7 +1,8 @@
 /*
  * The core's values as the AIDL interface's parcelables and back. A uint32_t or uint64_t of the
  * core reaches the client as an int or long of the same bits; a result of several values is one
- * parcelable of its shape (ReadResult, TransferResult, LogConfigureResult).
+ * parcelable of its shape (ReadResult, TransferResult, LogConfigureResult); a text is made UTF-8
+ * on the way (AidlText.h).
  */
 #pragma once
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "AidlConversions.h"
+#include "AidlText.h"
 #include "AidlVeskDeviceManager.h"
 
 namespace aidl::vesk::hardware::veskdevicemanager {
@@ -114,7 +115,7 @@ ScopedAStatus VeskDeviceManager::getCpuStatus(CpuStatus* _aidl_return) {
 }
 
 ScopedAStatus VeskDeviceManager::getVndkVersion(std::string* _aidl_return) {
-    *_aidl_return = mCore.getVndkVersion();
+    *_aidl_return = aidlText(mCore.getVndkVersion());
     return ScopedAStatus::ok();
 }
 
