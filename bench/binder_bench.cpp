@@ -18,6 +18,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "ServerProgram.h"
 #include "SyncSamples.h"
@@ -54,7 +55,11 @@ struct Peers {
         CPU_SET(sched_getcpu(), &one);
         if (sched_setaffinity(0, sizeof(one), &one) != 0) perror("sched_setaffinity");
         char pattern[] = "/tmp/vesk-binder-bench-XXXXXX";
-        folder = mkdtemp(pattern);
+        if (mkdtemp(pattern) == nullptr) {
+            perror("mkdtemp");
+            abort();
+        }
+        folder = pattern;
         vesk::host::setDeviceRoot(folder + "/service");
         property_set("persist.vesk.device.log.level", "E");
         service = std::make_unique<ServerProgram>(VESK_AIDL_SERVICE_PROGRAM,
