@@ -24,6 +24,16 @@ namespace vesk::hardware::veskdevicemanager::core {
 // clang-format on
 #define VESK_PRODUCT_INFO_SWITCHES(X) X(flag1) X(flag2) X(flag3) X(useDHCP)
 
+// The fields of the other records that every front end converts one by one, each as its own
+// types hold it (ProcessInfo's block, an array of 16 bytes, apart).
+#define VESK_WATCHDOG_CFG_FIELDS(X) X(wdtDevice) X(wdt_timeout) X(wdt_interval)
+#define VESK_PROCESS_INFO_FIELDS(X) X(name1) X(name2) X(name3) X(value64) X(valueReal) X(value32)
+#define VESK_USB_LIST_FIELDS(X) X(vid) X(pid)
+#define VESK_CPU_STATUS_FIELDS(X) \
+    X(usr) X(nic) X(sys) X(idle) X(iowait) X(irq) X(softirq) X(temperature)
+#define VESK_LOG_INFO_FIELDS(X) X(level) X(base) X(mode) X(total_size) X(once_size)
+#define VESK_EFFE_RESOLUTION_FIELDS(X) X(width) X(height) X(fps) X(status)
+
 struct ProductInfo {
 #define VESK_TEXT(name) std::string name;
     VESK_PRODUCT_INFO_TEXTS(VESK_TEXT)

@@ -21,87 +21,67 @@ std::vector<int32_t> toAidl(const hidl_vec<uint32_t>& words) {
     return out;
 }
 
-aidl::VeskLogInfo toAidl(const hal::VeskLogInfo& info) {
+// A field as the other side holds it: HIDL's unsigned ints from AIDL's ints of the same bits,
+// texts and the rest as they are.
+#define VESK_COPY(name) out.name = static_cast<decltype(out.name)>(in.name);
+
+aidl::VeskLogInfo toAidl(const hal::VeskLogInfo& in) {
     aidl::VeskLogInfo out;
-    out.level = toAidl(info.level);
-    out.base = toAidl(info.base);
-    out.mode = toAidl(info.mode);
-    out.total_size = toAidl(info.total_size);
-    out.once_size = toAidl(info.once_size);
+    VESK_LOG_INFO_FIELDS(VESK_COPY)
     return out;
 }
 
-hal::ProductInfo toHidl(const aidl::ProductInfo& info) {
+hal::ProductInfo toHidl(const aidl::ProductInfo& in) {
     hal::ProductInfo out;
-#define VESK_COPY(name) out.name = info.name;
     VESK_PRODUCT_INFO_TEXTS(VESK_COPY)
     VESK_PRODUCT_INFO_SWITCHES(VESK_COPY)
-#undef VESK_COPY
     return out;
 }
 
-hal::WatchDogCfg toHidl(const aidl::WatchDogCfg& cfg) {
+hal::WatchDogCfg toHidl(const aidl::WatchDogCfg& in) {
     hal::WatchDogCfg out;
-    out.wdtDevice = cfg.wdtDevice;
-    out.wdt_timeout = static_cast<uint32_t>(cfg.wdt_timeout);
-    out.wdt_interval = static_cast<uint32_t>(cfg.wdt_interval);
+    VESK_WATCHDOG_CFG_FIELDS(VESK_COPY)
     return out;
 }
 
 // The block is 16 bytes in HIDL; the service always sends 16, and any other length is cut or
 // padded with zeros rather than read past.
-hal::ProcessInfo toHidl(const aidl::ProcessInfo& info) {
+hal::ProcessInfo toHidl(const aidl::ProcessInfo& in) {
     hal::ProcessInfo out;
-    out.name1 = info.name1;
-    out.name2 = info.name2;
-    out.name3 = info.name3;
-    for (size_t i = 0; i < 16; ++i) out.block[i] = i < info.block.size() ? info.block[i] : 0;
-    out.value64 = static_cast<uint64_t>(info.value64);
-    out.valueReal = info.valueReal;
-    out.value32 = static_cast<uint32_t>(info.value32);
+    VESK_PROCESS_INFO_FIELDS(VESK_COPY)
+    for (size_t i = 0; i < 16; ++i) out.block[i] = i < in.block.size() ? in.block[i] : 0;
     return out;
 }
 
 hidl_vec<hal::UsbList> toHidl(const std::vector<aidl::UsbList>& list) {
-    hidl_vec<hal::UsbList> out(list.size());
+    hidl_vec<hal::UsbList> all(list.size());
     for (size_t i = 0; i < list.size(); ++i) {
-        out[i].vid = static_cast<uint32_t>(list[i].vid);
-        out[i].pid = static_cast<uint32_t>(list[i].pid);
+        const aidl::UsbList& in = list[i];
+        hal::UsbList& out = all[i];
+        VESK_USB_LIST_FIELDS(VESK_COPY)
     }
-    return out;
+    return all;
 }
 
-hal::CpuStatus toHidl(const aidl::CpuStatus& status) {
+hal::CpuStatus toHidl(const aidl::CpuStatus& in) {
     hal::CpuStatus out;
-    out.usr = status.usr;
-    out.nic = status.nic;
-    out.sys = status.sys;
-    out.idle = status.idle;
-    out.iowait = status.iowait;
-    out.irq = status.irq;
-    out.softirq = status.softirq;
-    out.temperature = static_cast<uint32_t>(status.temperature);
+    VESK_CPU_STATUS_FIELDS(VESK_COPY)
     return out;
 }
 
-hal::VeskLogInfo toHidl(const aidl::VeskLogInfo& info) {
+hal::VeskLogInfo toHidl(const aidl::VeskLogInfo& in) {
     hal::VeskLogInfo out;
-    out.level = info.level;
-    out.base = info.base;
-    out.mode = info.mode;
-    out.total_size = info.total_size;
-    out.once_size = info.once_size;
+    VESK_LOG_INFO_FIELDS(VESK_COPY)
     return out;
 }
 
-hal::VeskEffeResolution toHidl(const aidl::VeskEffeResolution& resolution) {
+hal::VeskEffeResolution toHidl(const aidl::VeskEffeResolution& in) {
     hal::VeskEffeResolution out;
-    out.width = static_cast<uint32_t>(resolution.width);
-    out.height = static_cast<uint32_t>(resolution.height);
-    out.fps = static_cast<uint32_t>(resolution.fps);
-    out.status = resolution.status;
+    VESK_EFFE_RESOLUTION_FIELDS(VESK_COPY)
     return out;
 }
+
+#undef VESK_COPY
 
 hidl_vec<hal::VeskEffeResolution> toHidl(const std::vector<aidl::VeskEffeResolution>& list) {
     hidl_vec<hal::VeskEffeResolution> out(list.size());

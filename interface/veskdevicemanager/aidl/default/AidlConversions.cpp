@@ -6,77 +6,77 @@
 
 namespace aidl::vesk::hardware::veskdevicemanager {
 
-ProductInfo toAidl(const core::ProductInfo& info) {
+namespace {
+
+// A field as the AIDL types hold it: a text made UTF-8 (AidlText.h), a uint32_t or uint64_t as
+// the int or long of the same bits.
+std::string field(const std::string& text) {
+    return aidlText(text);
+}
+int32_t field(uint32_t value) {
+    return static_cast<int32_t>(value);
+}
+int64_t field(uint64_t value) {
+    return static_cast<int64_t>(value);
+}
+template <typename Same>
+Same field(Same value) {
+    return value;
+}
+
+}  // namespace
+
+#define VESK_COPY(name) out.name = field(in.name);
+
+ProductInfo toAidl(const core::ProductInfo& in) {
     ProductInfo out;
-#define VESK_COPY_TEXT(name) out.name = aidlText(info.name);
-#define VESK_COPY(name) out.name = info.name;
-    VESK_PRODUCT_INFO_TEXTS(VESK_COPY_TEXT)
+    VESK_PRODUCT_INFO_TEXTS(VESK_COPY)
     VESK_PRODUCT_INFO_SWITCHES(VESK_COPY)
-#undef VESK_COPY
-#undef VESK_COPY_TEXT
     return out;
 }
 
-WatchDogCfg toAidl(const core::WatchDogCfg& cfg) {
+WatchDogCfg toAidl(const core::WatchDogCfg& in) {
     WatchDogCfg out;
-    out.wdtDevice = aidlText(cfg.wdtDevice);
-    out.wdt_timeout = static_cast<int32_t>(cfg.wdt_timeout);
-    out.wdt_interval = static_cast<int32_t>(cfg.wdt_interval);
+    VESK_WATCHDOG_CFG_FIELDS(VESK_COPY)
     return out;
 }
 
-ProcessInfo toAidl(const core::ProcessInfo& info) {
+ProcessInfo toAidl(const core::ProcessInfo& in) {
     ProcessInfo out;
-    out.name1 = aidlText(info.name1);
-    out.name2 = aidlText(info.name2);
-    out.name3 = aidlText(info.name3);
-    out.block.assign(info.block.begin(), info.block.end());
-    out.value64 = static_cast<int64_t>(info.value64);
-    out.valueReal = info.valueReal;
-    out.value32 = static_cast<int32_t>(info.value32);
+    VESK_PROCESS_INFO_FIELDS(VESK_COPY)
+    out.block.assign(in.block.begin(), in.block.end());
     return out;
 }
 
 std::vector<UsbList> toAidl(const std::vector<core::UsbList>& list) {
-    std::vector<UsbList> out(list.size());
+    std::vector<UsbList> all(list.size());
     for (size_t i = 0; i < list.size(); ++i) {
-        out[i].vid = static_cast<int32_t>(list[i].vid);
-        out[i].pid = static_cast<int32_t>(list[i].pid);
+        const core::UsbList& in = list[i];
+        UsbList& out = all[i];
+        VESK_USB_LIST_FIELDS(VESK_COPY)
     }
-    return out;
+    return all;
 }
 
-CpuStatus toAidl(const core::CpuStatus& status) {
+CpuStatus toAidl(const core::CpuStatus& in) {
     CpuStatus out;
-    out.usr = status.usr;
-    out.nic = status.nic;
-    out.sys = status.sys;
-    out.idle = status.idle;
-    out.iowait = status.iowait;
-    out.irq = status.irq;
-    out.softirq = status.softirq;
-    out.temperature = static_cast<int32_t>(status.temperature);
+    VESK_CPU_STATUS_FIELDS(VESK_COPY)
     return out;
 }
 
-VeskLogInfo toAidl(const core::VeskLogInfo& info) {
+VeskLogInfo toAidl(const core::VeskLogInfo& in) {
     VeskLogInfo out;
-    out.level = aidlText(info.level);
-    out.base = aidlText(info.base);
-    out.mode = aidlText(info.mode);
-    out.total_size = aidlText(info.total_size);
-    out.once_size = aidlText(info.once_size);
+    VESK_LOG_INFO_FIELDS(VESK_COPY)
     return out;
 }
 
-VeskEffeResolution toAidl(const core::VeskEffeResolution& resolution) {
+VeskEffeResolution toAidl(const core::VeskEffeResolution& in) {
     VeskEffeResolution out;
-    out.width = static_cast<int32_t>(resolution.width);
-    out.height = static_cast<int32_t>(resolution.height);
-    out.fps = static_cast<int32_t>(resolution.fps);
-    out.status = resolution.status;
+    VESK_EFFE_RESOLUTION_FIELDS(VESK_COPY)
     return out;
 }
+
+#undef VESK_COPY
 
 std::vector<VeskEffeResolution> toAidl(const std::vector<core::VeskEffeResolution>& list) {
     std::vector<VeskEffeResolution> out;
@@ -110,8 +110,12 @@ LogConfigureResult toAidl(const core::LogConfigureResult& result) {
     return out;
 }
 
-core::VeskLogInfo toCore(const VeskLogInfo& info) {
-    return {info.level, info.base, info.mode, info.total_size, info.once_size};
+core::VeskLogInfo toCore(const VeskLogInfo& in) {
+    core::VeskLogInfo out;
+#define VESK_COPY(name) out.name = in.name;
+    VESK_LOG_INFO_FIELDS(VESK_COPY)
+#undef VESK_COPY
+    return out;
 }
 
 }  // namespace aidl::vesk::hardware::veskdevicemanager
