@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <cstdlib>
 #include <string>
@@ -133,6 +134,32 @@ TEST_F(ViaAidlCommandTest, TheRunsJournalScriptAndLogReachTheService) {
     ASSERT_FALSE(inProcess.empty());
     EXPECT_THAT(splitLines(vesk::test::readFile(log)), ::testing::Contains(inProcess.back()));
     EXPECT_THAT(inProcess.back(), HasSubstr(R"("message":"getSysLedState )"));
+}
+
+// A link planted where the service's standard error goes (a symbolic link out of the root, or a
+// second name of a file elsewhere): one line, status 1, no service started, and the file the
+// link names keeps its content.
+TEST_F(ViaAidlCommandTest, ALinkPlantedAtTheServicesErrorFileIsRefused) {
+    vesk::test::TempRoot outside;
+    const std::string victim = outside.path() + "/victim";
+    const std::string errors = socketPath() + ".log";
+    ASSERT_TRUE(mkdir((root.path() + "/dev").c_str(), 0755) == 0 || errno == EEXIST);
+    ASSERT_TRUE(mkdir((root.path() + "/dev/socket").c_str(), 0755) == 0 || errno == EEXIST);
+    for (const std::string kind : {"symbolic", "hard"}) {
+        SCOPED_TRACE(kind);
+        vesk::test::writeFile(victim, "kept\n");
+        unlink(errors.c_str());
+        ASSERT_EQ(kind == "symbolic" ? symlink(victim.c_str(), errors.c_str())
+                                     : link(victim.c_str(), errors.c_str()),
+                  0);
+        Outcome outcome = veskdm.run({"serve"});
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.out, "");
+        ASSERT_EQ(outcome.errLines().size(), 1u) << outcome.err;
+        EXPECT_THAT(outcome.errLines()[0], StartsWith("veskdm: cannot open " + errors + ": "));
+        EXPECT_EQ(vesk::test::readFile(victim), "kept\n");
+        EXPECT_EQ(veskdm.run({"serve", "--status"}).out, "not running\n");
+    }
 }
 
 TEST_F(ViaAidlCommandTest, AServiceThatCannotStartIsOneLine) {
